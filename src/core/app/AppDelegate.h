@@ -1,0 +1,91 @@
+#pragma once
+
+#include "app/CaptureHotKeys.h"
+#include "platform/StatusItem.h"
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+
+class AppSettings;
+class ApplicationControl;
+class CaptureCommands;
+class DiagnosticsLog;
+class DisplayProvider;
+class EditorCommands;
+class HotKeyRegistrar;
+class NotificationCenter;
+class Scheduler;
+class SettingsWindow;
+class SystemLog;
+class UpdateCommands;
+class UserNotifier;
+
+// The application controller: sets the agent up at launch and routes the user's commands (status item,
+// menu, global shortcuts, notification clicks) to the subsystems. Owns the status item's menu, the
+// capture shortcuts and the settings window. Main thread only.
+class AppDelegate final : public QObject
+{
+    Q_OBJECT
+
+public:
+    static inline const QString editCategoryIdentifier = QStringLiteral("VistrelEditCategory");
+
+    struct Dependencies
+    {
+        DiagnosticsLog &diagnostics;
+        ApplicationControl &application;
+        StatusItem &statusItem;
+        HotKeyRegistrar &hotKeys;
+        UserNotifier &notifier;
+        SystemLog &systemLog;
+        Scheduler &scheduler;
+        DisplayProvider &displays;
+        AppSettings &settings;
+        NotificationCenter &notifications;
+        CaptureCommands &capture;
+        EditorCommands &editor;
+        // Makes the updater on first call; launch calls it so the updater exists from the start.
+        std::function<UpdateCommands &()> updater;
+        std::function<std::unique_ptr<SettingsWindow>()> makeSettingsWindow;
+    };
+
+    // How a notification is shown while the application is in front.
+    enum PresentationOption { Banner = 0x1, Sound = 0x2 };
+
+    explicit AppDelegate(Dependencies dependencies);
+    ~AppDelegate() override;
+
+    void applicationDidFinishLaunching();
+    void applicationWillTerminate();
+
+    static QList<StatusItem::MenuEntry> statusMenuEntries();
+    void statusItemClicked(std::optional<StatusItem::ClickEvent> event);
+    void perform(StatusItem::Action action);
+
+    void triggerScreenshot();
+    void openEditorLauncher();
+    void showSettings();
+    void checkForUpdates();
+    void toggleOpenEditorViaNotification();
+    void terminateApp();
+
+    static int foregroundPresentationOptions() { return Banner | Sound; }
+    void didReceiveNotificationResponse(const QString &categoryIdentifier);
+
+    void settingsDidChange();
+
+    CaptureHotKeys &hotKeys() { return m_hotKeys; }
+    SettingsWindow *settingsWindow() const { return m_settingsWindow.get(); }
+
+private:
+    void createStatusItem();
+    void setupNotifications();
+    void syncNotificationToggleMenuItemState();
+    void fitSettingsWindowToScreen();
+
+    Dependencies m_deps;
+    CaptureHotKeys m_hotKeys;
+    std::unique_ptr<SettingsWindow> m_settingsWindow;
+};

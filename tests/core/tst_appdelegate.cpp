@@ -1,0 +1,309 @@
+#include "FakeApplicationControl.h"
+#include "FakeCommands.h"
+#include "FakeDiagnosticsLog.h"
+#include "FakeDisplayProvider.h"
+#include "FakeHotKeyRegistrar.h"
+#include "FakeKeyValueStore.h"
+#include "FakeLoginItemService.h"
+#include "FakeScheduler.h"
+#include "FakeSettingsWindow.h"
+#include "FakeStatusItem.h"
+#include "FakeSystemLog.h"
+#include "FakeUserNotifier.h"
+#include "TestPrinters.h"
+
+#include "app/AppDelegate.h"
+#include "app/NotificationCenter.h"
+#include "app/WindowRules.h"
+#include "settings/AppSettings.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using ClickType = StatusItem::ClickEvent::Type;
+
+namespace {
+
+struct Fixture
+{
+    QStringList journal;
+    FakeDiagnosticsLog diagnostics{&journal};
+    FakeApplicationControl application{&journal};
+    FakeStatusItem statusItem{&journal};
+    FakeHotKeyRegistrar hotKeys;
+    FakeUserNotifier notifier{&journal};
+    FakeSystemLog systemLog;
+    FakeScheduler scheduler;
+    FakeDisplayProvider displays;
+    FakeKeyValueStore store;
+    FakeLoginItemService loginItem;
+    NotificationCenter notifications;
+    AppSettings settings{store, loginItem, systemLog, notifications};
+    FakeCommands commands;
+    FakeSettingsWindow *settingsWindow = nullptr;
+    int settingsWindowsMade = 0;
+
+    AppDelegate delegate{{diagnostics, application, statusItem, hotKeys, notifier, systemLog, scheduler, displays,
+                          settings, notifications, commands, commands,
+                          [this]() -> UpdateCommands & {
+                              journal.append(u"updater"_s);
+                              return commands;
+                          },
+                          [this] {
+                              ++settingsWindowsMade;
+                              auto window = std::make_unique<FakeSettingsWindow>();
+                              settingsWindow = window.get();
+                              return window;
+                          }}};
+};
+
+} // namespace
+
+class AppDelegateTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void launchRunsInOrder();
+    void menuEntries();
+    void statusItemClicks_data();
+    void statusItemClicks();
+    void notificationToggleFlipsAndSaves();
+    void menuActionsReachTheSubsystems();
+    void settingsChangeReRegistersAndSyncsTheToggle();
+    void authorizationResultsAreLogged_data();
+    void authorizationResultsAreLogged();
+    void notificationResponses();
+    void settingsWindowIsFittedWhenShownFromHidden_data();
+    void settingsWindowIsFittedWhenShownFromHidden();
+    void settingsWindowLeftWhereItIsWhileVisible();
+    void closeWindowShortcut_data();
+    void closeWindowShortcut();
+    void terminationUnregisters();
+};
+
+void AppDelegateTest::launchRunsInOrder()
+{
+    Fixture f;
+    f.delegate.applicationDidFinishLaunching();
+    QCOMPARE(f.journal, (QStringList{u"diagnostics.install"_s, u"application.setAccessory"_s, u"statusItem.show"_s,
+                                     u"notifier.requestAuthorization"_s, u"notifier.setCategories"_s, u"updater"_s,
+                                     u"diagnostics: applicationDidFinishLaunching completed"_s}));
+    QCOMPARE(f.hotKeys.registrations.size(), 2);
+    QCOMPARE(f.notifier.categories, QStringList{u"VistrelEditCategory"_s});
+    QCOMPARE(f.statusItem.appearance.symbolName, u"camera"_s);
+    QCOMPARE(f.statusItem.appearance.accessibilityDescription, u"Vistrel"_s);
+    QVERIFY(f.statusItem.appearance.isTemplate);
+    QVERIFY(f.statusItem.toggleChecked); // notification mode is on by default
+}
+
+void AppDelegateTest::menuEntries()
+{
+    const QList<StatusItem::MenuEntry> entries = AppDelegate::statusMenuEntries();
+    QStringList rendered;
+    for (const StatusItem::MenuEntry &entry : entries)
+        rendered << (entry.isSeparator ? u"---"_s : entry.title + u'|' + entry.keyEquivalent + (entry.isToggle ? u"|toggle"_s : QString()));
+    QCOMPARE(rendered, (QStringList{u"スクリーンショットを撮る|s"_s, u"画像を開いて編集...|e"_s, u"設定...|,"_s,
+                                     u"アップデートを確認...|"_s, u"---"_s, u"通知を出す||toggle"_s, u"---"_s,
+                                     u"終了|q"_s}));
+}
+
+void AppDelegateTest::statusItemClicks_data()
+{
+    QTest::addColumn<bool>("hasEvent");
+    QTest::addColumn<int>("type");
+    QTest::addColumn<bool>("control");
+    QTest::addColumn<bool>("showsMenu");
+    QTest::newRow("no current event counts as primary") << false << 0 << false << false;
+    QTest::newRow("left click") << true << int(ClickType::LeftMouseUp) << false << false;
+    QTest::newRow("control-left click") << true << int(ClickType::LeftMouseUp) << true << true;
+    QTest::newRow("right click") << true << int(ClickType::RightMouseUp) << false << true;
+    QTest::newRow("other event") << true << int(ClickType::Other) << true << false;
+}
+
+void AppDelegateTest::statusItemClicks()
+{
+    QFETCH(bool, hasEvent);
+    QFETCH(int, type);
+    QFETCH(bool, control);
+    QFETCH(bool, showsMenu);
+    Fixture f;
+    f.delegate.applicationDidFinishLaunching();
+    // The setting changes behind the menu's back; a secondary click must show the fresh state.
+    f.settings.setOpenEditorViaNotification(false);
+    f.statusItem.toggleChecked = true;
+
+    const auto event = hasEvent ? std::optional(StatusItem::ClickEvent{ClickType(type), control}) : std::nullopt;
+    f.statusItem.onClick(event);
+
+    QCOMPARE(f.statusItem.popUpCount, showsMenu ? 1 : 0);
+    QCOMPARE(f.commands.calls, showsMenu ? QStringList{} : QStringList{u"openEditorLauncher"_s});
+    if (showsMenu)
+        QVERIFY(!f.statusItem.checkedWhenLastShown);
+}
+
+void AppDelegateTest::notificationToggleFlipsAndSaves()
+{
+    Fixture f;
+    f.delegate.applicationDidFinishLaunching();
+    f.statusItem.onAction(StatusItem::Action::ToggleOpenEditorViaNotification);
+    QVERIFY(!f.settings.openEditorViaNotification());
+    QCOMPARE(f.store.synced.value(u"VistrelOpenEditorViaNotification"_s), QVariant(false));
+    f.statusItem.onClick(StatusItem::ClickEvent{ClickType::RightMouseUp, false});
+    QVERIFY(!f.statusItem.checkedWhenLastShown);
+    f.statusItem.onAction(StatusItem::Action::ToggleOpenEditorViaNotification);
+    f.statusItem.onClick(StatusItem::ClickEvent{ClickType::RightMouseUp, false});
+    QVERIFY(f.statusItem.checkedWhenLastShown);
+}
+
+void AppDelegateTest::menuActionsReachTheSubsystems()
+{
+    Fixture f;
+    f.delegate.applicationDidFinishLaunching();
+    f.diagnostics.clear();
+    f.statusItem.onAction(StatusItem::Action::TriggerScreenshot);
+    f.statusItem.onAction(StatusItem::Action::OpenEditorLauncher);
+    f.statusItem.onAction(StatusItem::Action::CheckForUpdates);
+    f.statusItem.onAction(StatusItem::Action::TerminateApp);
+    QCOMPARE(f.diagnostics.lines(), QStringList{u"triggerScreenshot invoked"_s});
+    QCOMPARE(f.commands.calls, (QStringList{u"startSelection"_s, u"openEditorLauncher"_s, u"checkForUpdates"_s}));
+    QCOMPARE(f.application.terminateCount, 1);
+}
+
+void AppDelegateTest::settingsChangeReRegistersAndSyncsTheToggle()
+{
+    Fixture f;
+    f.delegate.applicationDidFinishLaunching();
+    const int before = f.hotKeys.registerCalls;
+    f.settings.setRepeatHotKeyCombo({u"T"_s, ShortcutKeyCombo::Command});
+    QCOMPARE(f.hotKeys.registerCalls, before + 2);
+    QCOMPARE(f.hotKeys.registrationsFor(2).first().keyCode, quint32(17));
+    f.settings.setOpenEditorViaNotification(false);
+    QVERIFY(!f.statusItem.toggleChecked);
+}
+
+void AppDelegateTest::authorizationResultsAreLogged_data()
+{
+    QTest::addColumn<bool>("granted");
+    QTest::addColumn<QString>("error");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("granted") << true << QString() << u"Vistrel: 通知許可が付与されました"_s;
+    QTest::newRow("refused") << false << QString() << u"Vistrel: ユーザーが通知許可を拒否しました"_s;
+    QTest::newRow("failed") << false << u"no server"_s << u"Vistrel: 通知許可の取得に失敗しました: no server"_s;
+}
+
+void AppDelegateTest::authorizationResultsAreLogged()
+{
+    QFETCH(bool, granted);
+    QFETCH(QString, error);
+    QFETCH(QString, message);
+    Fixture f;
+    f.delegate.applicationDidFinishLaunching();
+    f.notifier.pendingAuthorization(granted, error.isEmpty() ? std::nullopt : std::optional(error));
+    QCOMPARE(f.systemLog.messages(), QStringList{message});
+    QVERIFY(f.settings.openEditorViaNotification()); // a refusal changes no setting
+}
+
+void AppDelegateTest::notificationResponses()
+{
+    Fixture f;
+    f.delegate.applicationDidFinishLaunching();
+    f.notifier.onResponse(u"SomethingElse"_s);
+    f.notifier.onResponse(u"VistrelEditCategory"_s);
+    QVERIFY(f.commands.calls.isEmpty()); // deferred to the main queue
+    f.scheduler.runUntilIdle();
+    QCOMPARE(f.commands.calls, QStringList{u"openEditor(reuse)"_s});
+    QCOMPARE(AppDelegate::foregroundPresentationOptions(), AppDelegate::Banner | AppDelegate::Sound);
+}
+
+void AppDelegateTest::settingsWindowIsFittedWhenShownFromHidden_data()
+{
+    QTest::addColumn<Rect>("windowFrame");
+    QTest::addColumn<bool>("windowHasScreen");
+    QTest::addColumn<bool>("hasMain");
+    QTest::addColumn<bool>("hasScreens");
+    QTest::addColumn<Rect>("expected");
+    const Rect laptop(0, 0, 1440, 900);
+    QTest::newRow("taller than the visible area is shrunk and centred")
+        << Rect(100, 0, 560, 860) << true << true << true << Rect(440, 25, 560, 850);
+    QTest::newRow("fits: only centred") << Rect(0, 0, 560, 600) << true << true << true << Rect(440, 150, 560, 600);
+    QTest::newRow("off-screen window uses the main screen")
+        << Rect(5000, 5000, 560, 860) << false << true << true << Rect(2440, 205, 560, 860);
+    QTest::newRow("no main screen uses the first")
+        << Rect(5000, 5000, 560, 860) << false << false << true << Rect(3040, 110, 560, 860);
+    QTest::newRow("no screen at all leaves the frame")
+        << Rect(5000, 5000, 560, 860) << false << false << false << Rect(5000, 5000, 560, 860);
+}
+
+void AppDelegateTest::settingsWindowIsFittedWhenShownFromHidden()
+{
+    QFETCH(Rect, windowFrame);
+    QFETCH(bool, windowHasScreen);
+    QFETCH(bool, hasMain);
+    QFETCH(bool, hasScreens);
+    QFETCH(Rect, expected);
+    Fixture f;
+    // The window's own screen has a menu bar and a dock: its visible frame is (0, 25, 1440, 850).
+    const DisplayInfo mainDisplay{2u, Rect(1440, 0, 2560, 1270), Rect(1440, 0, 2560, 1270), 1};
+    const DisplayInfo firstDisplay{1u, Rect(2560, 0, 1520, 1080), Rect(2560, 0, 1520, 1080), 1};
+    if (hasMain)
+        f.displays.main = mainDisplay;
+    if (hasScreens)
+        f.displays.displays = {firstDisplay, mainDisplay};
+    f.delegate.showSettings();
+    QVERIFY(f.settingsWindow);
+    f.settingsWindow->visible = false;
+    f.settingsWindow->currentFrame = windowFrame;
+    if (windowHasScreen)
+        f.settingsWindow->screenFrame = Rect(0, 25, 1440, 850);
+    f.delegate.showSettings();
+    QCOMPARE(f.settingsWindow->frame(), expected);
+    QVERIFY(f.settingsWindow->isVisible());
+    QCOMPARE(f.settingsWindowsMade, 1); // the same window comes back
+    QCOMPARE(f.application.activateCount, 2);
+}
+
+void AppDelegateTest::settingsWindowLeftWhereItIsWhileVisible()
+{
+    Fixture f;
+    f.displays.main = FakeDisplayProvider::display(1u, Rect(0, 0, 1440, 900));
+    f.delegate.showSettings();
+    f.settingsWindow->currentFrame = Rect(7, 9, 560, 860);
+    f.delegate.showSettings();
+    QCOMPARE(f.settingsWindow->frame(), Rect(7, 9, 560, 860));
+    QCOMPARE(f.settingsWindow->orderFrontCount, 2);
+}
+
+void AppDelegateTest::closeWindowShortcut_data()
+{
+    QTest::addColumn<bool>("keyDown");
+    QTest::addColumn<bool>("command");
+    QTest::addColumn<QString>("characters");
+    QTest::addColumn<bool>("closes");
+    QTest::newRow("command-q") << true << true << u"q"_s << true;
+    QTest::newRow("command-shift-q") << true << true << u"Q"_s << true;
+    QTest::newRow("q alone") << true << false << u"q"_s << false;
+    QTest::newRow("key up") << false << true << u"q"_s << false;
+    QTest::newRow("command-w") << true << true << u"w"_s << false;
+}
+
+void AppDelegateTest::closeWindowShortcut()
+{
+    QFETCH(bool, keyDown);
+    QFETCH(bool, command);
+    QFETCH(QString, characters);
+    QFETCH(bool, closes);
+    QCOMPARE(windowrules::isCloseWindowShortcut({keyDown, command, characters}), closes);
+}
+
+void AppDelegateTest::terminationUnregisters()
+{
+    Fixture f;
+    f.delegate.applicationDidFinishLaunching();
+    f.delegate.applicationWillTerminate();
+    QVERIFY(f.hotKeys.registrations.isEmpty());
+    QVERIFY(f.hotKeys.handlers.isEmpty());
+}
+
+QTEST_GUILESS_MAIN(AppDelegateTest)
+#include "tst_appdelegate.moc"

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "app/SettingsWindow.h"
+
+class FakeSettingsWindow final : public SettingsWindow
+{
+public:
+    bool isVisible() const override { return visible; }
+    Rect frame() const override { return currentFrame; }
+    std::optional<Rect> screenVisibleFrame() const override { return screenFrame; }
+    void setFrame(const Rect &frame) override
+    {
+        currentFrame = frame;
+        ++setFrameCount;
+    }
+    void makeKeyAndOrderFront() override
+    {
+        visible = true;
+        ++orderFrontCount;
+    }
+
+    bool visible = false;
+    Rect currentFrame{0, 0, 560, 860};
+    std::optional<Rect> screenFrame;
+    int setFrameCount = 0;
+    int orderFrontCount = 0;
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/StatusItem.h"
+
+class FakeStatusItem final : public StatusItem
+{
+public:
+    explicit FakeStatusItem(QStringList *journal = nullptr) : m_journal(journal) {}
+
+    void show(const Appearance &shownAppearance, ClickHandler handler) override
+    {
+        appearance = shownAppearance;
+        onClick = std::move(handler);
+        if (m_journal)
+            m_journal->append(QStringLiteral("statusItem.show"));
+    }
+    void setMenu(const QList<MenuEntry> &menuEntries, ActionHandler handler) override
+    {
+        entries = menuEntries;
+        onAction = std::move(handler);
+    }
+    void setToggleChecked(bool checked) override
+    {
+        toggleChecked = checked;
+        ++toggleSyncCount;
+    }
+    void popUpMenu() override
+    {
+        ++popUpCount;
+        // What the user sees is the check mark at the moment the menu opens.
+        checkedWhenLastShown = toggleChecked;
+    }
+
+    Appearance appearance;
+    ClickHandler onClick;
+    QList<MenuEntry> entries;
+    ActionHandler onAction;
+    bool toggleChecked = false;
+    bool checkedWhenLastShown = false;
+    int toggleSyncCount = 0;
+    int popUpCount = 0;
+
+private:
+    QStringList *m_journal;
+};
