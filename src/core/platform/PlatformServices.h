@@ -10,6 +10,7 @@ class KeyValueStore;
 class LegacyPreferencesSource;
 class LoginItemService;
 class Scheduler;
+class SoftwareUpdater;
 class StatusItem;
 class SystemLog;
 class UserNotifier;
@@ -32,6 +33,7 @@ struct PlatformServices
     const LegacyPreferencesSource *legacyPreferences = nullptr;
     LoginItemService *loginItem = nullptr;
     Scheduler *scheduler = nullptr;
+    SoftwareUpdater *updater = nullptr;
     StatusItem *statusItem = nullptr;
     SystemLog *systemLog = nullptr;
     UserNotifier *notifier = nullptr;

@@ -1,0 +1,134 @@
+#include "FakeFolderChooser.h"
+#include "FakeKeyValueStore.h"
+#include "FakeLoginItemService.h"
+#include "FakeSystemLog.h"
+
+#include "app/NotificationCenter.h"
+#include "app/SettingsForm.h"
+#include "app/SettingsFormTexts.h"
+#include "settings/AppSettings.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+using Shortcut = SettingsForm::Shortcut;
+
+namespace {
+struct Fixture
+{
+    FakeKeyValueStore store;
+    FakeLoginItemService loginItem;
+    FakeSystemLog systemLog;
+    NotificationCenter notifications;
+    AppSettings settings{store, loginItem, systemLog, notifications};
+    FakeFolderChooser chooser;
+    SettingsForm form{settings, chooser, u"caption"_s};
+};
+} // namespace
+
+class SettingsFormTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void keyEditsKeepOneUpperCaseCharacter_data();
+    void keyEditsKeepOneUpperCaseCharacter();
+    void clearedKeyShowsModifiersOrUnset();
+    void modifierTogglesInOrder();
+    void notificationModeGreysOutWindowReuse();
+    void folderChooser();
+    void returnInTheFolderFieldSavesAgain();
+};
+
+void SettingsFormTest::keyEditsKeepOneUpperCaseCharacter_data()
+{
+    QTest::addColumn<QString>("edit");
+    QTest::addColumn<QString>("stored");
+    QTest::newRow("typed q") << u"q"_s << u"Q"_s;
+    QTest::newRow("pasted space") << u"space"_s << u"S"_s;
+    QTest::newRow("cleared") << QString() << QString();
+    QTest::newRow("sharp s upper-cases to two letters first") << u"ß"_s << u"S"_s;
+    QTest::newRow("digit") << u"7x"_s << u"7"_s;
+    QTest::newRow("combining mark stays with its letter") << u"e\u0301z"_s << u"E\u0301"_s;
+}
+
+void SettingsFormTest::keyEditsKeepOneUpperCaseCharacter()
+{
+    QFETCH(QString, edit);
+    QFETCH(QString, stored);
+    Fixture f;
+    f.form.editKey(Shortcut::Repeat, edit);
+    QCOMPARE(f.settings.repeatHotKeyCombo().key, stored);
+    QCOMPARE(f.form.keyFieldText(Shortcut::Repeat), stored);
+    QCOMPARE(f.store.synced.value(u"VistrelRepeatHotKeyKey"_s), QVariant(stored.trimmed().toUpper()));
+}
+
+void SettingsFormTest::clearedKeyShowsModifiersOrUnset()
+{
+    Fixture f;
+    f.form.editKey(Shortcut::Capture, QString());
+    QCOMPARE(f.form.displayText(Shortcut::Capture), u"⇧⌘"_s);
+    f.form.setModifier(Shortcut::Capture, ShortcutKeyCombo::Command, false);
+    f.form.setModifier(Shortcut::Capture, ShortcutKeyCombo::Shift, false);
+    QCOMPARE(f.form.displayText(Shortcut::Capture), u"未設定"_s);
+    QCOMPARE(SettingsForm::heading(Shortcut::Capture), u"現在のショートカット"_s);
+    QCOMPARE(SettingsForm::heading(Shortcut::Repeat), u"繰り返し撮影ショートカット"_s);
+}
+
+void SettingsFormTest::modifierTogglesInOrder()
+{
+    QStringList titles;
+    for (const auto &toggle : SettingsForm::modifierToggles())
+        titles << toggle.title;
+    QCOMPARE(titles, (QStringList{u"⌘"_s, u"⌥"_s, u"⌃"_s, u"⇧"_s}));
+
+    Fixture f;
+    f.form.setModifier(Shortcut::Repeat, ShortcutKeyCombo::Option, true);
+    f.form.setModifier(Shortcut::Repeat, ShortcutKeyCombo::Command, false);
+    QVERIFY(f.form.isModifierOn(Shortcut::Repeat, ShortcutKeyCombo::Option));
+    QVERIFY(!f.form.isModifierOn(Shortcut::Repeat, ShortcutKeyCombo::Command));
+    QCOMPARE(f.form.displayText(Shortcut::Repeat), u"⌥⇧R"_s);
+    QCOMPARE(f.store.synced.value(u"VistrelRepeatHotKeyModifiers"_s),
+             QVariant(quint64(ShortcutKeyCombo::Option | ShortcutKeyCombo::Shift)));
+}
+
+void SettingsFormTest::notificationModeGreysOutWindowReuse()
+{
+    Fixture f;
+    QVERIFY(!f.form.isKeepWindowToggleEnabled());
+    QCOMPARE(f.form.notificationCaption(), u"オン: 通知をクリックで編集画面を開く。"_s);
+    QCOMPARE(f.form.keepWindowCaption(), u"通知経由で開くときはこの設定は使われません。"_s);
+    f.settings.setOpenEditorViaNotification(false);
+    QVERIFY(f.form.isKeepWindowToggleEnabled());
+    QCOMPARE(f.form.notificationCaption(), u"オフ: 通知を出さずに自動で編集画面を開く。"_s);
+    QCOMPARE(f.form.keepWindowCaption(), u"オン: 常に新規ウィンドウで開く。オフ: 既存ウィンドウを再利用する。"_s);
+}
+
+void SettingsFormTest::folderChooser()
+{
+    Fixture f;
+    f.settings.setSaveFolderPath(u"/home/me/Shots"_s);
+    const int syncs = f.store.syncCount;
+    f.form.chooseFolder(); // cancelled
+    QCOMPARE(f.chooser.lastStartFolder, u"/home/me/Shots"_s);
+    QCOMPARE(f.chooser.lastPrompt, u"選択"_s);
+    QCOMPARE(f.settings.saveFolderPath(), u"/home/me/Shots"_s);
+    QCOMPARE(f.store.syncCount, syncs);
+    f.chooser.answer = u"/srv/captures"_s;
+    f.form.chooseFolder();
+    QCOMPARE(f.settings.saveFolderPath(), u"/srv/captures"_s);
+    QCOMPARE(f.store.synced.value(u"VistrelSaveFolderPath"_s), QVariant(u"/srv/captures"_s));
+    QCOMPARE(f.form.currentFolderCaption(), u"現在の保存先: /srv/captures"_s);
+}
+
+void SettingsFormTest::returnInTheFolderFieldSavesAgain()
+{
+    Fixture f;
+    int announcements = 0;
+    f.notifications.addObserver(AppSettings::settingsDidChangeNotification, this, [&] { ++announcements; });
+    f.form.commitSaveFolderPath(f.settings.saveFolderPath());
+    QCOMPARE(announcements, 1);
+}
+
+QTEST_GUILESS_MAIN(SettingsFormTest)
+#include "tst_settingsform.moc"
