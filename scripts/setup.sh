@@ -12,7 +12,8 @@ build=(g++ cmake ninja-build ccache pkg-config
        libcanberra-dev libbenchmark-dev
        fonts-dejavu-core fonts-noto-cjk sound-theme-freedesktop)
 test=(xvfb xauth openbox dunst dbus dbus-x11 xdotool xclip x11-xserver-utils x11-utils
-      imagemagick python3 python3-pil python3-dbus python3-gi trayer)
+      imagemagick python3 python3-pil python3-dbus python3-gi trayer
+      desktop-file-utils)
 run=(xdg-utils)
 bench=(scrot maim flameshot kde-spectacle imagemagick hyperfine time)
 

@@ -2,6 +2,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -25,6 +27,8 @@ private slots:
     void folderThatCannotBeMadeIsAnError();
     void execValueQuotesReservedCharacters_data();
     void execValueQuotesReservedCharacters();
+    void entriesPassTheDesktopEntryValidator_data();
+    void entriesPassTheDesktopEntryValidator();
 };
 
 void XdgAutostartLoginItemTest::registerWritesTheEntryAndUnregisterRemovesIt()
@@ -96,6 +100,31 @@ void XdgAutostartLoginItemTest::execValueQuotesReservedCharacters()
     QFETCH(QString, program);
     QFETCH(QString, value);
     QCOMPARE(xdgautostart::execValue(program), value);
+}
+
+void XdgAutostartLoginItemTest::entriesPassTheDesktopEntryValidator_data()
+{
+    QTest::addColumn<QString>("executable");
+    QTest::newRow("plain path") << u"/usr/bin/vistrel"_s;
+    QTest::newRow("path that needs quoting") << u"/opt/my $apps/vistrel"_s;
+}
+
+void XdgAutostartLoginItemTest::entriesPassTheDesktopEntryValidator()
+{
+    QFETCH(QString, executable);
+    QVERIFY2(!QStandardPaths::findExecutable(u"desktop-file-validate"_s).isEmpty(),
+             "desktop-file-validate is missing (scripts/setup.sh test installs it)");
+    QTemporaryDir folder;
+    XdgAutostartLoginItem item(folder.path(), executable);
+    QCOMPARE(item.registerApp(), std::nullopt);
+    for (const QString &entry : {item.entryPath(), QStringLiteral(LAUNCHER_ENTRY)}) {
+        QProcess validator;
+        validator.setProcessChannelMode(QProcess::MergedChannels);
+        validator.start(u"desktop-file-validate"_s, {entry});
+        QVERIFY(validator.waitForFinished());
+        const QByteArray output = validator.readAll();
+        QVERIFY2(validator.exitCode() == 0 && output.isEmpty(), output.constData());
+    }
 }
 
 QTEST_GUILESS_MAIN(XdgAutostartLoginItemTest)
