@@ -66,6 +66,20 @@ struct NotificationSession
     bool isServing = false;
     std::unique_ptr<QDBusConnection> bus;
 };
+
+// The notifier against the fake server, which reports `capabilities`.
+struct FakeServerSession
+{
+    explicit FakeServerSession(const QStringList &capabilities)
+        : server(session.session.address(), capabilities), notifier(*session.bus, scheduler)
+    {
+    }
+
+    NotificationSession session{false};
+    FakeNotificationServer server;
+    QtScheduler scheduler;
+    DBusUserNotifier notifier;
+};
 } // namespace
 
 class DBusUserNotifierTest : public QObject
@@ -211,11 +225,10 @@ void DBusUserNotifierTest::dismissalAndOtherProgramsNotificationsAreNoResponse()
 
 void DBusUserNotifierTest::broadcastSignalsAboutOtherNotificationsAreIgnored()
 {
-    NotificationSession session(false);
-    FakeNotificationServer server(session.session.address(), {u"actions"_s, u"body"_s});
-    QVERIFY(server.isServing);
-    QtScheduler scheduler;
-    DBusUserNotifier notifier(*session.bus, scheduler);
+    FakeServerSession fake({u"actions"_s, u"body"_s});
+    QVERIFY(fake.server.isServing);
+    FakeNotificationServer &server = fake.server;
+    DBusUserNotifier &notifier = fake.notifier;
     QStringList responses;
     notifier.setResponseHandler([&](const QString &category) { responses.append(category); });
     bool added = false;
@@ -228,28 +241,28 @@ void DBusUserNotifierTest::broadcastSignalsAboutOtherNotificationsAreIgnored()
     server.emitSignal(u"ActionInvoked"_s, {ours, u"default"_s});
     server.emitSignal(u"ActionInvoked"_s, {ours, u"default"_s});
     QTRY_COMPARE(responses, QStringList{u"VistrelEditCategory"_s});
-    // Signals arrive in order: once a later one has come, the repeated click has been ignored.
-    bool probed = false;
-    notifier.add(editRequest(), [&](std::optional<QString>) { probed = true; });
-    QTRY_VERIFY(probed);
+    // Messages arrive in order: once a later reply has come, the repeated click has been ignored.
+    const auto settle = [&] {
+        bool probed = false;
+        notifier.add(editRequest(), [&](std::optional<QString>) { probed = true; });
+        return QTest::qWaitFor([&] { return probed; });
+    };
+    QVERIFY(settle());
     QCOMPARE(responses.size(), 1);
 
     // A notification the server closed (expired, dismissed) gives no response when clicked later.
     server.emitSignal(u"NotificationClosed"_s, {uint(102), uint(1)});
     server.emitSignal(u"ActionInvoked"_s, {uint(102), u"default"_s});
-    probed = false;
-    notifier.add(editRequest(), [&](std::optional<QString>) { probed = true; });
-    QTRY_VERIFY(probed);
+    QVERIFY(settle());
     QCOMPARE(responses.size(), 1);
 }
 
 void DBusUserNotifierTest::serverThatCannotReportClicksFailsTheRequest()
 {
-    NotificationSession session(false);
-    FakeNotificationServer server(session.session.address(), {u"body"_s});
-    QVERIFY(server.isServing);
-    QtScheduler scheduler;
-    DBusUserNotifier notifier(*session.bus, scheduler);
+    FakeServerSession fake({u"body"_s});
+    QVERIFY(fake.server.isServing);
+    FakeNotificationServer &server = fake.server;
+    DBusUserNotifier &notifier = fake.notifier;
     std::optional<std::optional<QString>> added;
     notifier.add(editRequest(), [&](std::optional<QString> error) { added = error; });
     QTRY_VERIFY(added);
@@ -259,11 +272,10 @@ void DBusUserNotifierTest::serverThatCannotReportClicksFailsTheRequest()
 
 void DBusUserNotifierTest::requestWithoutSoundAsksForSilence()
 {
-    NotificationSession session(false);
-    FakeNotificationServer server(session.session.address(), {u"actions"_s});
-    QVERIFY(server.isServing);
-    QtScheduler scheduler;
-    DBusUserNotifier notifier(*session.bus, scheduler);
+    FakeServerSession fake({u"actions"_s});
+    QVERIFY(fake.server.isServing);
+    FakeNotificationServer &server = fake.server;
+    DBusUserNotifier &notifier = fake.notifier;
     UserNotifier::Request silent = editRequest();
     silent.playsDefaultSound = false;
     int added = 0;
