@@ -49,11 +49,11 @@ public:
 
 public slots:
     QStringList GetCapabilities() { return capabilities; }
-    QString GetServerInformation(QString &vendor, QString &version, QString &specVersion)
+    QString GetServerInformation(QString &vendor, QString &version, QString &protocolVersion)
     {
         vendor = QStringLiteral("test");
         version = QStringLiteral("1");
-        specVersion = QStringLiteral("1.2");
+        protocolVersion = QStringLiteral("1.2");
         return QStringLiteral("fake");
     }
     uint Notify(const QString &appName, uint, const QString &icon, const QString &summary, const QString &body,

@@ -106,7 +106,8 @@ void DBusUserNotifier::send(const Request &request, const ErrorCompletion &compl
     whenFinished<QDBusPendingReply<uint>>(this, m_bus.asyncCall(notify),
                                           [this, category, completion](const QDBusPendingReply<uint> &reply) {
                                               if (reply.isError()) {
-                                                  completion(describe(reply.error()));
+                                                  completion(u"the notification server refused the notification (%1)"_s
+                                                                 .arg(reply.error().message()));
                                                   return;
                                               }
                                               m_categoryById.insert(reply.value(), category);
