@@ -1,0 +1,78 @@
+#include "LinuxPlatform.h"
+
+#include "DBusUserNotifier.h"
+#include "JsonFileKeyValueStore.h"
+#include "LinuxSystemLog.h"
+#include "QtApplicationControl.h"
+#include "TrayStatusItem.h"
+#include "X11HotKeyRegistrar.h"
+#include "XdgAutostartLoginItem.h"
+
+#include "platform/Clock.h"
+#include "platform/QtScheduler.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+// An XDG base folder: the variable when it holds an absolute path, else the default under HOME.
+QString baseFolder(const QProcessEnvironment &environment, const QString &variable, const QString &fallback)
+{
+    const QString value = environment.value(variable);
+    if (QDir::isAbsolutePath(value))
+        return QDir::cleanPath(value);
+    const QString home = environment.value(u"HOME"_s, QDir::homePath());
+    return QDir::cleanPath(home + u'/' + fallback);
+}
+} // namespace
+
+QString LinuxPlatform::diagnosticsLogFolder(const QProcessEnvironment &environment)
+{
+    return baseFolder(environment, u"XDG_STATE_HOME"_s, u".local/state"_s) + u"/Vistrel"_s;
+}
+
+QString LinuxPlatform::settingsPath(const QProcessEnvironment &environment)
+{
+    return baseFolder(environment, u"XDG_CONFIG_HOME"_s, u".config"_s) + u"/Vistrel/settings.json"_s;
+}
+
+QString LinuxPlatform::autostartFolder(const QProcessEnvironment &environment)
+{
+    return baseFolder(environment, u"XDG_CONFIG_HOME"_s, u".config"_s) + u"/autostart"_s;
+}
+
+LinuxPlatform::LinuxPlatform(xcb_connection_t *connection, const QProcessEnvironment &environment)
+    : m_diagnosticsLogFolder(diagnosticsLogFolder(environment)),
+      m_systemLog(std::make_unique<LinuxSystemLog>()),
+      m_scheduler(std::make_unique<QtScheduler>()),
+      m_clock(std::make_unique<SystemClock>()),
+      m_store(std::make_unique<JsonFileKeyValueStore>(settingsPath(environment), *m_systemLog)),
+      m_loginItem(std::make_unique<XdgAutostartLoginItem>(autostartFolder(environment),
+                                                          QCoreApplication::applicationFilePath())),
+      m_notifier(std::make_unique<DBusUserNotifier>(QDBusConnection::sessionBus(), *m_scheduler)),
+      m_hotKeys(std::make_unique<X11HotKeyRegistrar>(connection)),
+      m_statusItem(std::make_unique<TrayStatusItem>()),
+      m_application(std::make_unique<QtApplicationControl>())
+{
+}
+
+LinuxPlatform::~LinuxPlatform() = default;
+
+PlatformServices LinuxPlatform::services() const
+{
+    PlatformServices services;
+    services.diagnosticsLogFolder = m_diagnosticsLogFolder;
+    services.application = m_application.get();
+    services.clock = m_clock.get();
+    services.hotKeys = m_hotKeys.get();
+    services.store = m_store.get();
+    services.loginItem = m_loginItem.get();
+    services.scheduler = m_scheduler.get();
+    services.statusItem = m_statusItem.get();
+    services.systemLog = m_systemLog.get();
+    services.notifier = m_notifier.get();
+    return services;
+}

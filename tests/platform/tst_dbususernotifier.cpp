@@ -1,0 +1,294 @@
+// Sends notifications to a real notification server (dunst) on a private session bus and Xvfb, and
+// clicks them with dunstctl.
+#include "DBusSession.h"
+#include "DBusUserNotifier.h"
+#include "FakeNotificationServer.h"
+#include "FakeScheduler.h"
+#include "TestMain.h"
+
+#include "platform/QtScheduler.h"
+
+#include <QCoreApplication>
+#include <QDBusConnectionInterface>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+UserNotifier::Request editRequest(double delay = 0)
+{
+    return {u"a-uuid"_s, u"Vistrel: 編集できます"_s, u"通知をクリックして編集画面を開きます。"_s,
+            u"VistrelEditCategory"_s, true, delay};
+}
+
+// A bus of its own with dunst serving it, for one test.
+struct NotificationSession
+{
+    explicit NotificationSession(bool withServer)
+    {
+        static int connections = 0;
+        bus = std::make_unique<QDBusConnection>(
+            QDBusConnection::connectToBus(session.address(), u"notifier-test-%1"_s.arg(++connections)));
+        if (withServer) {
+            dunst.start(u"dunst"_s, {},
+                        {session.environmentEntry(), u"DISPLAY="_s + testsupport::xvfb()->display()});
+            isServing = QTest::qWaitFor(
+                [&] { return bus->interface()->isServiceRegistered(DBusUserNotifier::service).value(); }, 10000);
+        }
+    }
+    ~NotificationSession()
+    {
+        const QString name = bus->name();
+        bus.reset();
+        QDBusConnection::disconnectFromBus(name);
+    }
+
+    // dunstctl's output on this bus.
+    QByteArray dunstctl(const QStringList &arguments) const
+    {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, session.address());
+        process.setProcessEnvironment(environment);
+        process.start(u"dunstctl"_s, arguments);
+        process.waitForFinished();
+        return process.readAllStandardOutput().trimmed();
+    }
+    int displayed() const { return dunstctl({u"count"_s, u"displayed"_s}).toInt(); }
+
+    DBusSession session;
+    ChildProcess dunst;
+    bool isServing = false;
+    std::unique_ptr<QDBusConnection> bus;
+};
+
+// The notifier against the fake server, which reports `capabilities`.
+struct FakeServerSession
+{
+    explicit FakeServerSession(const QStringList &capabilities)
+        : server(session.session.address(), capabilities), notifier(*session.bus, scheduler)
+    {
+    }
+
+    NotificationSession session{false};
+    FakeNotificationServer server;
+    QtScheduler scheduler;
+    DBusUserNotifier notifier;
+};
+} // namespace
+
+class DBusUserNotifierTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void runningServerGrantsAuthorization();
+    void withoutServerAuthorizationAndRequestsFail();
+    void notificationWaitsForItsDelayAndCarriesTheTexts();
+    void clickReachesTheHandlerWithTheCategory();
+    void dismissalAndOtherProgramsNotificationsAreNoResponse();
+    void broadcastSignalsAboutOtherNotificationsAreIgnored();
+    void serverThatCannotReportClicksFailsTheRequest();
+    void requestWithoutSoundAsksForSilence();
+};
+
+void DBusUserNotifierTest::init()
+{
+    VISTREL_REQUIRE_X();
+    QVERIFY(ChildProcess::exists(u"dunst"_s) && ChildProcess::exists(u"dunstctl"_s));
+}
+
+void DBusUserNotifierTest::runningServerGrantsAuthorization()
+{
+    NotificationSession session(true);
+    QVERIFY(session.isServing);
+    QtScheduler scheduler;
+    DBusUserNotifier notifier(*session.bus, scheduler);
+    std::optional<std::pair<bool, std::optional<QString>>> result;
+    notifier.requestAuthorization([&](bool granted, std::optional<QString> error) { result = {granted, error}; });
+    QTRY_VERIFY(result);
+    QVERIFY(result->first);
+    QCOMPARE(result->second, std::nullopt);
+}
+
+void DBusUserNotifierTest::withoutServerAuthorizationAndRequestsFail()
+{
+    NotificationSession session(false);
+    QtScheduler scheduler;
+    DBusUserNotifier notifier(*session.bus, scheduler);
+    std::optional<std::pair<bool, std::optional<QString>>> authorization;
+    notifier.requestAuthorization([&](bool granted, std::optional<QString> error) { authorization = {granted, error}; });
+    QTRY_VERIFY(authorization);
+    QVERIFY(!authorization->first);
+    QVERIFY(authorization->second);
+    QVERIFY2(authorization->second->startsWith(u"no notification server answers on the session bus"_s),
+             qPrintable(*authorization->second));
+
+    std::optional<std::optional<QString>> added;
+    notifier.add(editRequest(), [&](std::optional<QString> error) { added = error; });
+    QTRY_VERIFY(added);
+    QVERIFY(added->has_value());
+}
+
+void DBusUserNotifierTest::notificationWaitsForItsDelayAndCarriesTheTexts()
+{
+    NotificationSession session(true);
+    QVERIFY(session.isServing);
+    FakeScheduler scheduler;
+    DBusUserNotifier notifier(*session.bus, scheduler);
+    std::optional<std::optional<QString>> added;
+    notifier.add(editRequest(0.8), [&](std::optional<QString> error) { added = error; });
+
+    QCOMPARE(scheduler.requestedDelays(), QList<double>{0.8});
+    scheduler.advance(0.79);
+    QTest::qWait(200);
+    QVERIFY(!added);
+    QCOMPARE(session.displayed(), 0);
+
+    scheduler.advance(0.01);
+    QTRY_VERIFY(added);
+    QCOMPARE(*added, std::nullopt);
+    QTRY_COMPARE(session.displayed(), 1);
+
+    // Closed notifications go to dunst's history, which shows what it was given.
+    session.dunstctl({u"close"_s});
+    const QJsonObject shown = QJsonDocument::fromJson(session.dunstctl({u"history"_s}))
+                                  .object()[u"data"_s].toArray()[0].toArray()[0].toObject();
+    QCOMPARE(shown[u"appname"_s][u"data"_s].toString(), u"Vistrel"_s);
+    QCOMPARE(shown[u"summary"_s][u"data"_s].toString(), u"Vistrel: 編集できます"_s);
+    QCOMPARE(shown[u"body"_s][u"data"_s].toString(), u"通知をクリックして編集画面を開きます。"_s);
+    QCOMPARE(shown[u"default_action_name"_s][u"data"_s].toString(), u"default"_s);
+}
+
+void DBusUserNotifierTest::clickReachesTheHandlerWithTheCategory()
+{
+    NotificationSession session(true);
+    QVERIFY(session.isServing);
+    QtScheduler scheduler;
+    DBusUserNotifier notifier(*session.bus, scheduler);
+    QStringList responses;
+    notifier.setResponseHandler([&](const QString &category) { responses.append(category); });
+    std::optional<std::optional<QString>> added;
+    notifier.add(editRequest(), [&](std::optional<QString> error) { added = error; });
+    QTRY_VERIFY(added);
+    QCOMPARE(*added, std::nullopt);
+    QTRY_COMPARE(session.displayed(), 1);
+
+    session.dunstctl({u"action"_s, u"0"_s});
+    QTRY_COMPARE(responses, QStringList{u"VistrelEditCategory"_s});
+}
+
+void DBusUserNotifierTest::dismissalAndOtherProgramsNotificationsAreNoResponse()
+{
+    NotificationSession session(true);
+    QVERIFY(session.isServing);
+    QtScheduler scheduler;
+    DBusUserNotifier notifier(*session.bus, scheduler);
+    QStringList responses;
+    notifier.setResponseHandler([&](const QString &category) { responses.append(category); });
+
+    // Our notification, dismissed.
+    int completions = 0;
+    notifier.add(editRequest(), [&](std::optional<QString>) { ++completions; });
+    QTRY_COMPARE(session.displayed(), 1);
+    session.dunstctl({u"close"_s});
+    QTRY_COMPARE(session.displayed(), 0);
+
+    // Another program's notification, clicked.
+    QDBusConnection other = QDBusConnection::connectToBus(session.session.address(), u"other-program"_s);
+    QDBusMessage notify = QDBusMessage::createMethodCall(DBusUserNotifier::service, u"/org/freedesktop/Notifications"_s,
+                                                         u"org.freedesktop.Notifications"_s, u"Notify"_s);
+    notify << u"Other"_s << uint(0) << QString() << u"other"_s << QString() << QStringList{u"default"_s, u"Open"_s}
+           << QVariantMap() << int(-1);
+    QVERIFY(other.call(notify).type() == QDBusMessage::ReplyMessage);
+    QTRY_COMPARE(session.displayed(), 1);
+    session.dunstctl({u"action"_s, u"0"_s});
+    session.dunstctl({u"close-all"_s});
+    QTRY_COMPARE(session.displayed(), 0);
+
+    // A click on a second one of ours is the only response.
+    notifier.add(editRequest(), [&](std::optional<QString>) { ++completions; });
+    QTRY_COMPARE(session.displayed(), 1);
+    session.dunstctl({u"action"_s, u"0"_s});
+    QTRY_COMPARE(responses.size(), 1);
+    QTest::qWait(100);
+    QCOMPARE(responses.size(), 1);
+    QCOMPARE(completions, 2);
+    QDBusConnection::disconnectFromBus(u"other-program"_s);
+}
+
+void DBusUserNotifierTest::broadcastSignalsAboutOtherNotificationsAreIgnored()
+{
+    FakeServerSession fake({u"actions"_s, u"body"_s});
+    QVERIFY(fake.server.isServing);
+    FakeNotificationServer &server = fake.server;
+    DBusUserNotifier &notifier = fake.notifier;
+    QStringList responses;
+    notifier.setResponseHandler([&](const QString &category) { responses.append(category); });
+    bool added = false;
+    notifier.add(editRequest(), [&](std::optional<QString> error) { added = !error; });
+    QTRY_VERIFY(added);
+    const uint ours = 101;
+
+    server.emitSignal(u"ActionInvoked"_s, {uint(7), u"default"_s});
+    server.emitSignal(u"NotificationClosed"_s, {uint(8), uint(2)});
+    server.emitSignal(u"ActionInvoked"_s, {ours, u"default"_s});
+    server.emitSignal(u"ActionInvoked"_s, {ours, u"default"_s});
+    QTRY_COMPARE(responses, QStringList{u"VistrelEditCategory"_s});
+    // Messages arrive in order: once a later reply has come, the repeated click has been ignored.
+    const auto settle = [&] {
+        bool probed = false;
+        notifier.add(editRequest(), [&](std::optional<QString>) { probed = true; });
+        return QTest::qWaitFor([&] { return probed; });
+    };
+    QVERIFY(settle());
+    QCOMPARE(responses.size(), 1);
+
+    // A notification the server closed (expired, dismissed) gives no response when clicked later.
+    server.emitSignal(u"NotificationClosed"_s, {uint(102), uint(1)});
+    server.emitSignal(u"ActionInvoked"_s, {uint(102), u"default"_s});
+    QVERIFY(settle());
+    QCOMPARE(responses.size(), 1);
+}
+
+void DBusUserNotifierTest::serverThatCannotReportClicksFailsTheRequest()
+{
+    FakeServerSession fake({u"body"_s});
+    QVERIFY(fake.server.isServing);
+    FakeNotificationServer &server = fake.server;
+    DBusUserNotifier &notifier = fake.notifier;
+    std::optional<std::optional<QString>> added;
+    notifier.add(editRequest(), [&](std::optional<QString> error) { added = error; });
+    QTRY_VERIFY(added);
+    QCOMPARE(*added, std::optional<QString>(u"the notification server cannot report clicks (no \"actions\" capability)"_s));
+    QVERIFY(server.received.isEmpty());
+}
+
+void DBusUserNotifierTest::requestWithoutSoundAsksForSilence()
+{
+    FakeServerSession fake({u"actions"_s});
+    QVERIFY(fake.server.isServing);
+    FakeNotificationServer &server = fake.server;
+    DBusUserNotifier &notifier = fake.notifier;
+    UserNotifier::Request silent = editRequest();
+    silent.playsDefaultSound = false;
+    int added = 0;
+    notifier.add(editRequest(), [&](std::optional<QString>) { ++added; });
+    notifier.add(silent, [&](std::optional<QString>) { ++added; });
+    QTRY_COMPARE(added, 2);
+    QCOMPARE(server.received.size(), 2);
+    QCOMPARE(server.received[0].hints.value(u"sound-name"_s).toString(), u"message-new-instant"_s);
+    QVERIFY(!server.received[0].hints.contains(u"suppress-sound"_s));
+    QVERIFY(!server.received[1].hints.contains(u"sound-name"_s));
+    QCOMPARE(server.received[1].hints.value(u"suppress-sound"_s).toBool(), true);
+    QCOMPARE(server.received[1].actions, (QStringList{u"default"_s, u"編集"_s}));
+}
+
+VISTREL_TEST_MAIN_ON_XVFB(DBusUserNotifierTest, QCoreApplication)
+#include "tst_dbususernotifier.moc"
