@@ -19,12 +19,14 @@ public:
     bool writeImage(const QImage &image) override
     {
         contents.append(image);
+        ++writeCount;
         if (m_journal)
             m_journal->append(QStringLiteral("pasteboard.writeImage"));
         return true;
     }
 
     QList<QImage> contents;
+    int writeCount = 0;
 
 private:
     QStringList *m_journal;
