@@ -24,6 +24,30 @@ QPoint positionOf(QRgb pixel)
     return QPoint(qRed(pixel) | ((qBlue(pixel) & 0xf) << 8), qGreen(pixel) | ((qBlue(pixel) >> 4) << 8));
 }
 
+// One row of the layout table.
+struct Row
+{
+    QList<DisplayInfo> screens;
+    QList<QSize> pixels;
+    QList<DisplayInfo> screensLater;
+    int window;
+    QPointF dragFrom;
+    QPointF dragTo;
+    QString traceLine;
+
+    static Row current()
+    {
+        QFETCH(QList<DisplayInfo>, screens);
+        QFETCH(QList<QSize>, pixels);
+        QFETCH(QList<DisplayInfo>, screensLater);
+        QFETCH(int, window);
+        QFETCH(QPointF, dragFrom);
+        QFETCH(QPointF, dragTo);
+        QFETCH(QString, traceLine);
+        return {screens, pixels, screensLater, window, dragFrom, dragTo, traceLine};
+    }
+};
+
 DisplayInfo display(quint32 id, Rect frame, double scale)
 {
     return FakeDisplayProvider::display(id, frame, scale);
@@ -126,26 +150,20 @@ void MultiDisplayCaptureTest::layouts_data()
 
 void MultiDisplayCaptureTest::frozenCapture()
 {
-    QFETCH(QList<DisplayInfo>, screens);
-    QFETCH(QList<QSize>, pixels);
-    QFETCH(QList<DisplayInfo>, screensLater);
-    QFETCH(int, window);
-    QFETCH(QPointF, dragFrom);
-    QFETCH(QPointF, dragTo);
-    QFETCH(QString, traceLine);
+    const Row row = Row::current();
     QFETCH(QRect, frozenPixels);
 
     CaptureFixture f;
-    f.setDisplays(screens);
-    for (const QSize &size : pixels)
+    f.setDisplays(row.screens);
+    for (const QSize &size : row.pixels)
         f.capturer.displayOutcomes.append({positionPattern(size), std::nullopt});
     f.showOverlay();
-    if (!screensLater.isEmpty())
-        f.setDisplays(screensLater);
-    f.drag(window, dragFrom, dragTo);
+    if (!row.screensLater.isEmpty())
+        f.setDisplays(row.screensLater);
+    f.drag(row.window, row.dragFrom, row.dragTo);
     f.scheduler.runUntilIdle();
 
-    QCOMPARE(f.linesStartingWith(u"capture localRect="_s), QStringList{traceLine});
+    QCOMPARE(f.linesStartingWith(u"capture localRect="_s), QStringList{row.traceLine});
     QVERIFY(f.scheduler.requestedDelays().isEmpty());
     QCOMPARE(f.pasteboard.contents.size(), 1);
     const QImage captured = f.pasteboard.contents.first();
@@ -153,39 +171,33 @@ void MultiDisplayCaptureTest::frozenCapture()
     QCOMPARE(positionOf(captured.pixel(0, 0)), frozenPixels.topLeft());
     QCOMPARE(positionOf(captured.pixel(captured.width() - 1, captured.height() - 1)), frozenPixels.bottomRight());
     // Live capture was never needed.
-    QCOMPARE(f.capturer.displayCalls.size(), pixels.size());
+    QCOMPARE(f.capturer.displayCalls.size(), row.pixels.size());
 }
 
 void MultiDisplayCaptureTest::liveCapture()
 {
-    QFETCH(QList<DisplayInfo>, screens);
-    QFETCH(QList<QSize>, pixels);
-    QFETCH(QList<DisplayInfo>, screensLater);
-    QFETCH(int, window);
-    QFETCH(QPointF, dragFrom);
-    QFETCH(QPointF, dragTo);
-    QFETCH(QString, traceLine);
+    const Row row = Row::current();
     QFETCH(Rect, sourceRect);
     QFETCH(QSize, outputSize);
     QFETCH(Rect, globalRect);
 
     CaptureFixture f;
     f.manager.setUseFrozenBackground(false);
-    f.setDisplays(screens);
+    f.setDisplays(row.screens);
     f.showOverlay();
-    const QList<DisplayInfo> current = screensLater.isEmpty() ? screens : screensLater;
+    const QList<DisplayInfo> current = row.screensLater.isEmpty() ? row.screens : row.screensLater;
     f.setDisplays(current);
     // The capture service reports each display at the pixel size of its images.
-    for (int i = 0; i < pixels.size() && i < current.size(); ++i)
-        (*f.capturer.shareable)[i] = {*current.at(i).id, pixels.at(i).width(), pixels.at(i).height()};
-    if (!screensLater.isEmpty())
+    for (int i = 0; i < row.pixels.size() && i < current.size(); ++i)
+        (*f.capturer.shareable)[i] = {*current.at(i).id, row.pixels.at(i).width(), row.pixels.at(i).height()};
+    if (!row.screensLater.isEmpty())
         (*f.capturer.shareable)[0] = {1, 3840, 2400};
     // The display capture fails, so the desktop rectangle is tried too.
     f.capturer.displayOutcomes = {{QImage(), u"stopped"_s}};
-    f.drag(window, dragFrom, dragTo);
+    f.drag(row.window, row.dragFrom, row.dragTo);
     f.scheduler.advance(1);
 
-    QCOMPARE(f.linesStartingWith(u"capture localRect="_s), QStringList{traceLine});
+    QCOMPARE(f.linesStartingWith(u"capture localRect="_s), QStringList{row.traceLine});
     QCOMPARE(f.capturer.displayCalls.size(), 1);
     QCOMPARE(f.capturer.displayCalls.first().sourceRect, sourceRect);
     QCOMPARE(f.capturer.displayCalls.first().outputSize, outputSize);

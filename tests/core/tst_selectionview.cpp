@@ -35,7 +35,7 @@ public:
 // A view of `size` on a display of scale 2, hosted by a window.
 struct ViewFixture
 {
-    explicit ViewFixture(QSizeF size = QSizeF(1000, 800))
+    explicit ViewFixture(QSizeF viewSize = QSizeF(1000, 800)) : size(viewSize)
     {
         displays.displays = {FakeDisplayProvider::display(7, Rect(QPointF(0, 0), size), 2)};
         window.setFrame(Rect(QPointF(0, 0), size));
@@ -43,11 +43,20 @@ struct ViewFixture
         window.setContentView(&view);
     }
 
+    // A 2x screen image of one colour behind the view.
+    void showFrozenScreen(QColor color)
+    {
+        QImage image(size.toSize() * 2, QImage::Format_RGB32);
+        image.fill(color);
+        view.setFrozenBackgroundImage(image);
+    }
+
+    QSizeF size;
     FakeDisplayProvider displays;
     FakeCursor cursor;
     RecordingDelegate delegate;
     FakeSelectionWindow window{displays, 0, nullptr};
-    SelectionView view{Rect(0, 0, 1000, 800), &delegate, cursor, displays};
+    SelectionView view{Rect(QPointF(0, 0), size), &delegate, cursor, displays};
 };
 
 // Paints the view into an image the way a window does: the painter flipped to the view's y-up space.
@@ -99,13 +108,6 @@ const QColor dimming = QColor::fromRgbF(0, 0, 0, 0.25);
 const QColor selectionFill = QColor::fromRgbF(0, 122 / 255.0, 1, 0.25);
 const QColor labelFill = QColor::fromRgbF(0, 0, 0, 0.78);
 const QColor crosshair = QColor::fromRgbF(1, 1, 1, 0.85);
-
-QImage solid(QSize size, QColor color)
-{
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(color);
-    return image;
-}
 
 } // namespace
 
@@ -261,9 +263,9 @@ void SelectionViewTest::labelMeasuresPixelsOfTheViewsDisplay()
 void SelectionViewTest::frozenImageIsDimmedAndUpright()
 {
     ViewFixture f(QSizeF(400, 300));
-    f.view.setFrame(Rect(0, 0, 400, 300));
     // A 2x screen image: red in its top half, blue in its bottom half.
-    QImage frozen = solid(QSize(800, 600), QColor(0, 0, 200));
+    QImage frozen(800, 600, QImage::Format_RGB32);
+    frozen.fill(QColor(0, 0, 200));
     QPainter(&frozen).fillRect(0, 0, 800, 300, QColor(200, 0, 0));
     f.view.setFrozenBackgroundImage(frozen);
 
@@ -276,7 +278,6 @@ void SelectionViewTest::frozenImageIsDimmedAndUpright()
 void SelectionViewTest::liveDesktopIsDimmed()
 {
     ViewFixture f(QSizeF(400, 300));
-    f.view.setFrame(Rect(0, 0, 400, 300));
     const QImage canvas = render(f.view, QColor(200, 200, 200));
     QCOMPARE_COLOR(at(canvas, 200, 150), QColor(150, 150, 150));
 }
@@ -284,9 +285,8 @@ void SelectionViewTest::liveDesktopIsDimmed()
 void SelectionViewTest::selectionFillOutlineAndLabel()
 {
     ViewFixture f(QSizeF(400, 300));
-    f.view.setFrame(Rect(0, 0, 400, 300));
     const QColor screen(200, 100, 40);
-    f.view.setFrozenBackgroundImage(solid(QSize(800, 600), screen));
+    f.showFrozenScreen(screen);
     f.view.mouseDown(QPointF(100, 150));
     f.view.mouseDragged(QPointF(250, 250));
     const Rect selection(100, 150, 150, 100);
@@ -325,9 +325,8 @@ void SelectionViewTest::selectionFillOutlineAndLabel()
 void SelectionViewTest::crosshairIsDashed()
 {
     ViewFixture f(QSizeF(400, 300));
-    f.view.setFrame(Rect(0, 0, 400, 300));
     const QColor screen(200, 100, 40);
-    f.view.setFrozenBackgroundImage(solid(QSize(800, 600), screen));
+    f.showFrozenScreen(screen);
     f.view.mouseMoved(QPointF(200.5, 120.5));
 
     const QImage canvas = render(f.view);

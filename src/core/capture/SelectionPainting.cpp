@@ -89,8 +89,8 @@ void drawSizeLabel(QPainter &painter, const Rect &labelRect, const QString &text
     painter.strokePath(box, pen(labelStrokeColor, 1));
 
     const QFontMetricsF metrics(font);
-    const double left = labelRect.minX() + labelHorizontalPadding / 2;
-    const double bottom = labelRect.minY() + labelVerticalPadding / 2;
+    const double left = labelRect.minX() + labelTextInsetX;
+    const double bottom = labelRect.minY() + labelTextInsetY;
     paintUpright(painter, left, bottom, metrics.height(), [&] {
         painter.setFont(font);
         painter.setPen(Qt::white);

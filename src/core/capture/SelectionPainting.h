@@ -27,6 +27,9 @@ inline const QColor labelStrokeColor = QColor::fromRgbF(1, 1, 1, 0.18);
 constexpr double labelCornerRadius = 5;
 constexpr double labelHorizontalPadding = 16;
 constexpr double labelVerticalPadding = 10;
+// Where the text's bottom-left corner sits inside the label.
+constexpr double labelTextInsetX = 8;
+constexpr double labelTextInsetY = 5;
 inline const QColor crosshairColor = QColor::fromRgbF(1, 1, 1, 0.85);
 constexpr double crosshairDash = 6;
 

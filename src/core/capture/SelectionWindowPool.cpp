@@ -7,10 +7,14 @@ SelectionWindowPool::SelectionWindowPool(SelectionWindowFactory &factory) : m_fa
 
 SelectionWindowPool::~SelectionWindowPool()
 {
+    // The controller that delegates for the views is going away too: the views show the pointer
+    // again without reporting it.
     for (Entry &entry : m_entries) {
         entry.window->setContentView(nullptr);
-        if (entry.view)
+        if (entry.view) {
+            entry.view->setDelegate(nullptr);
             entry.view->setWindow(nullptr);
+        }
     }
 }
 
