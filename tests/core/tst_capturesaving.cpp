@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QScopeGuard>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -51,8 +52,8 @@ void CaptureSavingTest::fileNames()
     QCOMPARE(f.manager.makeFileName(), expected);
     // A user locale with other digits does not change the name.
     QLocale::setDefault(QLocale(QLocale::Arabic, QLocale::Egypt));
+    const auto restoreLocale = qScopeGuard([] { QLocale::setDefault(QLocale::c()); });
     QCOMPARE(f.manager.makeFileName(), expected);
-    QLocale::setDefault(QLocale::c());
 }
 
 void CaptureSavingTest::saving_data()

@@ -111,8 +111,7 @@ void SelectionSession::presentWindow(int index, const DisplayInfo &screen)
     QString line = u"selection window display="_s % trace::displayID(screen.id) % u" frame="_s
         % trace::rect(screen.frame);
     if (screen.id) {
-        line += snapshot ? u" frozen="_s % QString::number(snapshot->image.width()) % u'x'
-                % QString::number(snapshot->image.height())
+        line += snapshot ? u" frozen=%1x%2"_s.arg(snapshot->image.width()).arg(snapshot->image.height())
                          : u" frozen=nil"_s;
     }
     m_services.diagnostics.write(line);
