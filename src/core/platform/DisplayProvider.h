@@ -4,6 +4,7 @@
 
 #include <QList>
 
+#include <functional>
 #include <optional>
 
 // The connected displays. Frames are in the global space whose origin is the bottom-left corner of the
@@ -26,4 +27,7 @@ public:
     virtual QList<DisplayInfo> screens() const = 0;
     // The display holding the key window (or the pointer), when there is one.
     virtual std::optional<DisplayInfo> mainScreen() const = 0;
+    // Calls `observer` on the main thread after displays were added, removed, moved or rescaled
+    // (NSApplicationDidChangeScreenParametersNotification). Observers stay for the provider's lifetime.
+    virtual void observeScreenParameters(std::function<void()> observer) = 0;
 };

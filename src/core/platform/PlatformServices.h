@@ -4,16 +4,26 @@
 
 class ApplicationControl;
 class Clock;
+class Cursor;
 class DisplayProvider;
 class HotKeyRegistrar;
+class KeyEventMonitor;
 class KeyValueStore;
 class LegacyPreferencesSource;
 class LoginItemService;
+class Pasteboard;
+class PngWriter;
 class Scheduler;
+class ScreenCapturePermission;
+class ScreenCapturer;
+class SelectionWindowFactory;
+class SoundPlayer;
 class SoftwareUpdater;
 class StatusItem;
 class SystemLog;
 class UserNotifier;
+class WindowList;
+class Workspace;
 
 // The set of OS services of the running application. main() builds the set for its system and installs
 // it once, before the first process-wide instance (Type::shared()) is made; those instances take their
@@ -26,17 +36,27 @@ struct PlatformServices
 
     ApplicationControl *application = nullptr;
     Clock *clock = nullptr;
+    Cursor *cursor = nullptr;
     DisplayProvider *displays = nullptr;
     HotKeyRegistrar *hotKeys = nullptr;
+    KeyEventMonitor *keyMonitor = nullptr;
     KeyValueStore *store = nullptr;
     // Null where there are no older installations to migrate from.
     const LegacyPreferencesSource *legacyPreferences = nullptr;
     LoginItemService *loginItem = nullptr;
+    Pasteboard *pasteboard = nullptr;
+    const PngWriter *pngWriter = nullptr;
     Scheduler *scheduler = nullptr;
+    ScreenCapturePermission *screenCapturePermission = nullptr;
+    ScreenCapturer *screenCapturer = nullptr;
+    SelectionWindowFactory *selectionWindows = nullptr;
+    SoundPlayer *sounds = nullptr;
     SoftwareUpdater *updater = nullptr;
     StatusItem *statusItem = nullptr;
     SystemLog *systemLog = nullptr;
     UserNotifier *notifier = nullptr;
+    WindowList *windowList = nullptr;
+    Workspace *workspace = nullptr;
 
     static void install(const PlatformServices &services);
     // The installed set. Using it before install() is a programming error and stops the program.

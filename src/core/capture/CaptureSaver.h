@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QImage>
+#include <QSizeF>
+#include <QString>
+
+#include <optional>
+
+class EditorHandOff;
+struct CaptureServices;
+
+// What happens to a captured image: the shutter sound and the clipboard at once, the PNG file on a
+// worker thread, then the hand-off to the editor back on the main thread.
+class CaptureSaver final
+{
+public:
+    static inline const QString shutterSoundPath = QStringLiteral(
+        "/System/Library/Components/CoreAudio.component/Contents/SharedSupport/SystemSounds/system/Shutter.aif");
+    static inline const QString shutterSoundName = QStringLiteral("Shutter");
+
+    // The settings a save reads, taken on the main thread before the worker starts.
+    struct SaveSettings
+    {
+        QString saveFolderPath;
+        QString filenamePrefix;
+        bool includeDate = true;
+    };
+
+    explicit CaptureSaver(const CaptureServices &services) : m_services(services) {}
+
+    // Null until the editor is there; saved captures are then only saved.
+    void setEditorHandOff(EditorHandOff *handOff) { m_editorHandOff = handOff; }
+
+    // Main thread. `logicalSize` is the capture's size in points.
+    void completeCapture(const QImage &image, QSizeF logicalSize);
+    // The shutter sound file, else the named system sound, else the beep.
+    void playShutterSound();
+    // Replaces the clipboard's content with the image.
+    void copyImageToClipboard(const QImage &image);
+
+    SaveSettings currentSaveSettings() const;
+    // Writes the PNG into the save folder, creating the folder when it is missing; the file's path, or
+    // nothing after logging why. Any thread.
+    std::optional<QString> saveImage(const QImage &image, const SaveSettings &settings) const;
+    QString makeFileName(const SaveSettings &settings) const;
+
+private:
+    const CaptureServices &m_services;
+    EditorHandOff *m_editorHandOff = nullptr;
+};

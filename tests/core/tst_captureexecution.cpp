@@ -1,0 +1,280 @@
+#include "TestPrinters.h"
+#include "helpers/CaptureFixture.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const DisplayInfo primary = FakeDisplayProvider::display(1, Rect(0, 0, 1440, 900), 2);
+
+} // namespace
+
+class CaptureExecutionTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void refusals_data();
+    void refusals();
+    void frozenImageIsUsedWithoutWaiting();
+    void liveCaptureWaitsForTheOverlayToLeave();
+    void missingSnapshotFallsBackToLive();
+    void screenWithoutIDGoesStraightToTheDesktopRectangle();
+    void attempts_data();
+    void attempts();
+    void failedCaptureKeepsThePreviousRegion();
+    void refusedPermissionAtCaptureTime();
+};
+
+void CaptureExecutionTest::refusals_data()
+{
+    QTest::addColumn<bool>("selecting");
+    QTest::addColumn<Rect>("rect");
+    QTest::addColumn<bool>("hasScreen");
+    QTest::addColumn<QStringList>("expected");
+    QTest::addColumn<QStringList>("systemLog");
+    QTest::addColumn<bool>("stillSelecting");
+    QTest::newRow("no selection under way")
+        << false << Rect(10, 10, 50, 50) << true << QStringList{u"capture ignored: selection inactive"_s}
+        << QStringList{} << false;
+    QTest::newRow("an empty rectangle is dropped silently")
+        << true << Rect(10, 10, 0, 50) << true << QStringList{} << QStringList{} << true;
+    QTest::newRow("no screen for the window, and no main screen")
+        << true << Rect(10, 10, 50, 50) << false
+        << QStringList{u"capture begin rect={{10, 10}, {50, 50}}"_s, u"capture aborted: target screen not found"_s}
+        << QStringList{} << true;
+    QTest::newRow("entirely outside the display")
+        << true << Rect(2000, 10, 50, 50) << true
+        << QStringList{u"capture begin rect={{2000, 10}, {50, 50}}"_s, u"capture aborted invalid clampedLocalRect"_s}
+        << QStringList{u"Vistrel: 無効なキャプチャ範囲のため処理を中断しました。"_s} << true;
+}
+
+void CaptureExecutionTest::refusals()
+{
+    QFETCH(bool, selecting);
+    QFETCH(Rect, rect);
+    QFETCH(bool, hasScreen);
+    QFETCH(QStringList, expected);
+    QFETCH(QStringList, systemLog);
+    QFETCH(bool, stillSelecting);
+    CaptureFixture f;
+    f.setDisplays({primary});
+    f.showOverlay();
+    f.view(0)->mouseDown(QPointF(10, 10));
+    if (!selecting)
+        f.manager.cancelSelection();
+    if (!hasScreen)
+        f.window(0)->screenOverride = std::optional<DisplayInfo>();
+    f.diagnostics.clear();
+
+    f.manager.capture(rect, f.window(0));
+    f.scheduler.advance(1);
+    QCOMPARE(f.lines(), expected);
+    QCOMPARE(f.systemLog.messages(), systemLog);
+    QVERIFY(!f.manager.state().isCapturing);
+    QCOMPARE(f.manager.state().isSelecting, stillSelecting);
+    QCOMPARE(f.window(0)->isVisible, stillSelecting);
+    QCOMPARE(f.cursor.hiddenLevel(), stillSelecting && expected.isEmpty() ? 1 : 0);
+    QVERIFY(f.pasteboard.contents.isEmpty());
+}
+
+void CaptureExecutionTest::frozenImageIsUsedWithoutWaiting()
+{
+    CaptureFixture f;
+    f.setDisplays({primary});
+    f.showOverlay();
+    f.drag(0, QPointF(10, 20), QPointF(110, 70));
+    QVERIFY(f.manager.state().isCapturing);
+    QVERIFY(!f.manager.state().isSelecting);
+    QVERIFY(!f.window(0)->isVisible);
+    // Kept until the finish step has used them.
+    QCOMPARE(f.manager.state().frozenDisplaySnapshots.size(), 1);
+
+    f.scheduler.runUntilIdle();
+    QVERIFY(f.scheduler.requestedDelays().isEmpty());
+    QCOMPARE(f.capturer.displayCalls.size(), 1); // only the freezing
+    QCOMPARE(f.pasteboard.contents.first().size(), QSize(200, 100));
+    QVERIFY(!f.manager.state().isCapturing);
+    QVERIFY(f.manager.state().frozenDisplaySnapshots.isEmpty());
+    const std::optional<LastSelectionRegion> region = f.manager.state().lastSelectionRegion;
+    QVERIFY(region);
+    QCOMPARE(region->displayID, 1u);
+    QCOMPARE(region->localRect, Rect(10, 20, 100, 50));
+    QCOMPARE(region->screenFrame, primary.frame);
+    QCOMPARE(f.lines().mid(f.lines().indexOf(u"capture begin rect={{10, 20}, {100, 50}}"_s)),
+             (QStringList{u"capture begin rect={{10, 20}, {100, 50}}"_s,
+                          u"capture localRect={{10, 20}, {100, 50}} appKitScreenRect={{10, 20}, {100, 50}} "
+                          u"cgGlobalRect={{10, 830}, {100, 50}} screenFrame={{0, 0}, {1440, 900}} displayID=1"_s}));
+}
+
+void CaptureExecutionTest::liveCaptureWaitsForTheOverlayToLeave()
+{
+    CaptureFixture f;
+    f.setDisplays({primary});
+    f.manager.setUseFrozenBackground(false);
+    f.showOverlay();
+    f.drag(0, QPointF(10, 20), QPointF(110, 70));
+    QVERIFY(!f.window(0)->isVisible);
+    f.scheduler.advance(0.059);
+    QVERIFY(f.capturer.displayCalls.isEmpty());
+    f.scheduler.advance(0.001);
+    QCOMPARE(f.capturer.displayCalls.size(), 1);
+    QCOMPARE(f.scheduler.requestedDelays(), QList<double>{0.06});
+    f.scheduler.runUntilIdle();
+    QCOMPARE(f.pasteboard.contents.size(), 1);
+    QVERIFY(f.manager.state().lastSelectionRegion);
+    QVERIFY(!f.manager.state().isCapturing);
+    QVERIFY(f.linesStartingWith(u"capture attempts exhausted"_s).isEmpty());
+}
+
+void CaptureExecutionTest::missingSnapshotFallsBackToLive()
+{
+    CaptureFixture f;
+    f.setDisplays({primary});
+    f.capturer.displayOutcomes = {{QImage(), std::nullopt}};
+    f.capturer.rectOutcomes = {{QImage(), std::nullopt}};
+    f.showOverlay();
+    QVERIFY(f.manager.state().frozenDisplaySnapshots.isEmpty());
+    f.drag(0, QPointF(10, 20), QPointF(110, 70));
+    f.scheduler.advance(1);
+    QCOMPARE(f.scheduler.requestedDelays(), QList<double>{0.06});
+    QCOMPARE(f.capturer.displayCalls.size(), 2);
+    QCOMPARE(f.pasteboard.contents.size(), 1);
+}
+
+void CaptureExecutionTest::screenWithoutIDGoesStraightToTheDesktopRectangle()
+{
+    CaptureFixture f;
+    const DisplayInfo anonymous = FakeDisplayProvider::display(std::nullopt, Rect(0, 0, 800, 600), 1);
+    f.setDisplays({anonymous});
+    f.showOverlay();
+    QVERIFY(f.capturer.displayCalls.isEmpty());
+    f.drag(0, QPointF(10, 20), QPointF(110, 70));
+    f.scheduler.advance(1);
+    QCOMPARE(f.linesStartingWith(u"capture "_s).mid(1),
+             (QStringList{u"capture localRect={{10, 20}, {100, 50}} appKitScreenRect={{10, 20}, {100, 50}} "
+                          u"cgGlobalRect={{10, 530}, {100, 50}} screenFrame={{0, 0}, {800, 600}} displayID=nil"_s,
+                          u"capture displayID unavailable, falling back to global rect={{10, 530}, {100, 50}}"_s}));
+    QCOMPARE(f.capturer.rectCalls, QList<Rect>{Rect(10, 530, 100, 50)});
+    QCOMPARE(f.pasteboard.contents.size(), 1);
+    QVERIFY(!f.manager.state().lastSelectionRegion);
+}
+
+void CaptureExecutionTest::attempts_data()
+{
+    QTest::addColumn<QString>("prefix");
+    QTest::addColumn<bool>("hasID");
+    QTest::addColumn<std::optional<QString>>("listError");
+    QTest::addColumn<bool>("listed");
+    QTest::addColumn<QList<FakeScreenCapturer::Outcome>>("displayOutcomes");
+    QTest::addColumn<QList<FakeScreenCapturer::Outcome>>("rectOutcomes");
+    QTest::addColumn<QStringList>("expected");
+    QTest::addColumn<QSize>("imageSize");
+
+    using Outcomes = QList<FakeScreenCapturer::Outcome>;
+    const Outcomes none;
+    const Outcomes failsWithError{{QImage(), u"stream stopped"_s}};
+    const Outcomes failsSilently{{QImage(), std::nullopt}};
+    const QString local = u"localRect={{10, 20}, {100, 50}}"_s;
+    for (const QString &prefix : {u"capture"_s, u"repeat capture"_s}) {
+        const QByteArray tag = prefix.toUtf8() + ": ";
+        auto row = [&tag](const char *name) -> QTestData & { return QTest::newRow(QByteArray(tag + name).constData()); };
+        row("the display capture works")
+            << prefix << true << std::optional<QString>() << true << none << none << QStringList{} << QSize(200, 100);
+        row("display capture fails, then the desktop rectangle")
+            << prefix << true << std::optional<QString>() << true << failsWithError << none
+            << QStringList{prefix + u" display-filter capture failed display=1 "_s + local + u" error=stream stopped"_s}
+            << QSize(100, 50);
+        row("display not listed")
+            << prefix << true << std::optional<QString>() << false << none << none
+            << QStringList{prefix + u" display-filter capture failed display=1 "_s + local + u" error=nil"_s}
+            << QSize(100, 50);
+        row("display list unavailable")
+            << prefix << true << std::optional<QString>(u"no content"_s) << true << none << none
+            << QStringList{prefix + u" display-filter capture failed display=1 "_s + local + u" error=no content"_s}
+            << QSize(100, 50);
+        row("both fail")
+            << prefix << true << std::optional<QString>() << true << failsSilently << failsWithError
+            << QStringList{prefix + u" display-filter capture failed display=1 "_s + local + u" error=nil"_s,
+                           prefix + u" global-rect capture failed rect={{10, 830}, {100, 50}} error=stream stopped"_s}
+            << QSize(0, 0);
+        row("no display id")
+            << prefix << false << std::optional<QString>() << true << none << failsSilently
+            << QStringList{prefix + u" displayID unavailable, falling back to global rect={{10, 830}, {100, 50}}"_s,
+                           prefix + u" global-rect capture failed rect={{10, 830}, {100, 50}} error=nil"_s}
+            << QSize(0, 0);
+    }
+}
+
+void CaptureExecutionTest::attempts()
+{
+    QFETCH(QString, prefix);
+    QFETCH(bool, hasID);
+    QFETCH(std::optional<QString>, listError);
+    QFETCH(bool, listed);
+    QFETCH(QList<FakeScreenCapturer::Outcome>, displayOutcomes);
+    QFETCH(QList<FakeScreenCapturer::Outcome>, rectOutcomes);
+    QFETCH(QStringList, expected);
+    QFETCH(QSize, imageSize);
+    CaptureFixture f;
+    f.setDisplays({primary});
+    f.capturer.shareableError = listError;
+    if (!listed)
+        f.capturer.shareable->clear();
+    f.capturer.displayOutcomes = displayOutcomes;
+    f.capturer.rectOutcomes = rectOutcomes;
+
+    std::optional<QImage> result;
+    f.manager.performCaptureAttempts(hasID ? std::optional<quint32>(1) : std::nullopt, Rect(10, 20, 100, 50),
+                                     primary.frame, 2, prefix, [&](QImage image) { result = image; });
+    QVERIFY(!result); // completions arrive through the main thread's queue
+    f.scheduler.runUntilIdle();
+    QVERIFY(result);
+    QCOMPARE(result->size(), imageSize);
+    QCOMPARE(f.lines(), expected);
+}
+
+void CaptureExecutionTest::failedCaptureKeepsThePreviousRegion()
+{
+    CaptureFixture f;
+    f.setDisplays({primary});
+    f.captureRegion(0, Rect(10, 20, 100, 50));
+    const LastSelectionRegion first = *f.manager.state().lastSelectionRegion;
+    f.sounds.played.clear();
+
+    f.capturer.displayOutcomes = {{QImage(), std::nullopt}, {QImage(), std::nullopt}};
+    f.capturer.rectOutcomes = {{QImage(), std::nullopt}, {QImage(), std::nullopt}};
+    f.captureRegion(0, Rect(300, 300, 40, 40));
+    QCOMPARE(f.linesStartingWith(u"capture attempts exhausted"_s),
+             QStringList{u"capture attempts exhausted display=1"_s});
+    QCOMPARE(f.manager.state().lastSelectionRegion->localRect, first.localRect);
+    QCOMPARE(f.pasteboard.writeCount, 1);
+    QVERIFY(f.sounds.played.isEmpty());
+    QVERIFY(!f.manager.state().isBusy());
+}
+
+void CaptureExecutionTest::refusedPermissionAtCaptureTime()
+{
+    CaptureFixture f;
+    f.setDisplays({primary});
+    f.manager.setUseFrozenBackground(false);
+    f.showOverlay();
+    f.permission.preflightResult = false;
+    f.permission.requestResult = false;
+    f.view(0)->mouseDown(QPointF(10, 10));
+    f.view(0)->mouseDragged(QPointF(50, 50));
+    f.manager.capture(Rect(10, 10, 40, 40), f.window(0));
+    f.scheduler.advance(1);
+    f.scheduler.runBackgroundTasks();
+    QCOMPARE(f.systemLog.messages(), QStringList{u"Vistrel: 画面収録の許可が必要です。システム設定を開きます。"_s});
+    QCOMPARE(f.workspace.opened.size(), 1);
+    QVERIFY(f.capturer.displayCalls.isEmpty());
+    QVERIFY(!f.manager.state().isBusy());
+    QCOMPARE(f.cursor.hiddenLevel(), 0);
+    QVERIFY(!f.manager.state().lastSelectionRegion);
+}
+
+QTEST_MAIN(CaptureExecutionTest)
+#include "tst_captureexecution.moc"

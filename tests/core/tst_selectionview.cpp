@@ -1,0 +1,352 @@
+#include "FakeCursor.h"
+#include "FakeDisplayProvider.h"
+#include "FakeSelectionWindow.h"
+#include "TestPrinters.h"
+
+#include "capture/SelectionPainting.h"
+#include "capture/SelectionView.h"
+#include "capture/SelectionViewDelegate.h"
+#include "geometry/TraceFormat.h"
+
+#include <QPainter>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class RecordingDelegate final : public SelectionViewDelegate
+{
+public:
+    void capture(const Rect &rect, SelectionWindow *window) override
+    {
+        calls.append(u"capture "_s + trace::rect(rect));
+        lastWindow = window;
+    }
+    void captureWindowUnderCursor() override { calls.append(u"captureWindowUnderCursor"_s); }
+    void cancelSelection() override { calls.append(u"cancelSelection"_s); }
+    void selectionCursorDidHide() override { calls.append(u"cursorDidHide"_s); }
+    void selectionCursorDidRestore() override { calls.append(u"cursorDidRestore"_s); }
+
+    QStringList calls;
+    SelectionWindow *lastWindow = nullptr;
+};
+
+// A view of `size` on a display of scale 2, hosted by a window.
+struct ViewFixture
+{
+    explicit ViewFixture(QSizeF viewSize = QSizeF(1000, 800)) : size(viewSize)
+    {
+        displays.displays = {FakeDisplayProvider::display(7, Rect(QPointF(0, 0), size), 2)};
+        window.setFrame(Rect(QPointF(0, 0), size));
+        view.setWindow(&window);
+        window.setContentView(&view);
+    }
+
+    // A 2x screen image of one colour behind the view.
+    void showFrozenScreen(QColor color)
+    {
+        QImage image(size.toSize() * 2, QImage::Format_RGB32);
+        image.fill(color);
+        view.setFrozenBackgroundImage(image);
+    }
+
+    QSizeF size;
+    FakeDisplayProvider displays;
+    FakeCursor cursor;
+    RecordingDelegate delegate;
+    FakeSelectionWindow window{displays, 0, nullptr};
+    SelectionView view{Rect(QPointF(0, 0), size), &delegate, cursor, displays};
+};
+
+// Paints the view into an image the way a window does: the painter flipped to the view's y-up space.
+QImage render(const SelectionView &view, QColor behind = QColor(200, 200, 200))
+{
+    const Rect bounds = view.bounds();
+    QImage canvas(int(bounds.width()), int(bounds.height()), QImage::Format_ARGB32_Premultiplied);
+    canvas.fill(behind);
+    QPainter painter(&canvas);
+    painter.translate(0, bounds.height());
+    painter.scale(1, -1);
+    view.draw(painter);
+    return canvas;
+}
+
+// The colour of the pixel whose bottom-left corner is at the view point (x, y).
+QColor at(const QImage &canvas, double x, double y)
+{
+    return canvas.pixelColor(int(x), canvas.height() - 1 - int(y));
+}
+
+QColor over(QColor base, QColor paint)
+{
+    const double a = paint.alphaF();
+    return QColor::fromRgbF(base.redF() * (1 - a) + paint.redF() * a, base.greenF() * (1 - a) + paint.greenF() * a,
+                            base.blueF() * (1 - a) + paint.blueF() * a);
+}
+
+bool near(QColor actual, QColor expected)
+{
+    return std::abs(actual.red() - expected.red()) <= 3 && std::abs(actual.green() - expected.green()) <= 3
+        && std::abs(actual.blue() - expected.blue()) <= 3;
+}
+
+QString describe(QColor actual, QColor expected)
+{
+    return u"got %1 expected %2"_s.arg(actual.name(), expected.name());
+}
+
+#define QCOMPARE_COLOR(actual, expected)                                                                     \
+    do {                                                                                                     \
+        const QColor a_ = (actual);                                                                          \
+        const QColor e_ = (expected);                                                                        \
+        QVERIFY2(near(a_, e_), qPrintable(describe(a_, e_)));                                                \
+    } while (false)
+
+// The overlay's paints, as the design gives them.
+const QColor dimming = QColor::fromRgbF(0, 0, 0, 0.25);
+const QColor selectionFill = QColor::fromRgbF(0, 122 / 255.0, 1, 0.25);
+const QColor labelFill = QColor::fromRgbF(0, 0, 0, 0.78);
+const QColor crosshair = QColor::fromRgbF(1, 1, 1, 0.85);
+
+} // namespace
+
+class SelectionViewTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void mouse_data();
+    void mouse();
+    void keys_data();
+    void keys();
+    void cursorIsHiddenOncePerViewAndAlwaysShownAgain();
+    void presentationStartsClean();
+    void labelMeasuresPixelsOfTheViewsDisplay();
+    void frozenImageIsDimmedAndUpright();
+    void liveDesktopIsDimmed();
+    void selectionFillOutlineAndLabel();
+    void crosshairIsDashed();
+};
+
+void SelectionViewTest::mouse_data()
+{
+    QTest::addColumn<QStringList>("events");
+    QTest::addColumn<QStringList>("expected");
+    const QStringList pressAndRelease{u"cursorDidHide"_s, u"cursorDidRestore"_s};
+    QTest::newRow("a drag captures its rectangle")
+        << QStringList{u"down 100 100"_s, u"drag 300 250"_s, u"up 300 250"_s}
+        << pressAndRelease + QStringList{u"capture {{100, 100}, {200, 150}}"_s};
+    QTest::newRow("a drag up-left is the same rectangle")
+        << QStringList{u"down 300 250"_s, u"drag 100 100"_s, u"up 100 100"_s}
+        << pressAndRelease + QStringList{u"capture {{100, 100}, {200, 150}}"_s};
+    QTest::newRow("a drag leaving the view stops at its edges")
+        << QStringList{u"down 900.5 700"_s, u"drag 1200 -50"_s, u"up 1200 -50"_s}
+        << pressAndRelease + QStringList{u"capture {{900.5, 0}, {99.5, 700}}"_s};
+    QTest::newRow("only the last drag position counts")
+        << QStringList{u"down 10 10"_s, u"drag 500 500"_s, u"drag 20 30"_s, u"up 20 30"_s}
+        << pressAndRelease + QStringList{u"capture {{10, 10}, {10, 20}}"_s};
+    QTest::newRow("a click without a drag cancels")
+        << QStringList{u"down 100 100"_s, u"up 100 100"_s} << pressAndRelease + QStringList{u"cancelSelection"_s};
+    QTest::newRow("a drag along one axis only cancels")
+        << QStringList{u"down 100 100"_s, u"drag 300 100"_s, u"up 300 100"_s}
+        << pressAndRelease + QStringList{u"cancelSelection"_s};
+    QTest::newRow("moves and drags without a press select nothing")
+        << QStringList{u"move 50 50"_s, u"drag 300 300"_s, u"up 300 300"_s} << QStringList{u"cancelSelection"_s};
+}
+
+void SelectionViewTest::mouse()
+{
+    QFETCH(QStringList, events);
+    QFETCH(QStringList, expected);
+    ViewFixture f;
+    for (const QString &event : events) {
+        const QStringList parts = event.split(u' ');
+        const QPointF p(parts.at(1).toDouble(), parts.at(2).toDouble());
+        if (parts.first() == u"down"_s)
+            f.view.mouseDown(p);
+        else if (parts.first() == u"drag"_s)
+            f.view.mouseDragged(p);
+        else if (parts.first() == u"move"_s)
+            f.view.mouseMoved(p);
+        else
+            f.view.mouseUp(p);
+    }
+    QCOMPARE(f.delegate.calls, expected);
+    QCOMPARE(f.cursor.hiddenLevel(), 0);
+    if (expected.last().startsWith(u"capture"_s))
+        QCOMPARE(f.delegate.lastWindow, &f.window);
+}
+
+void SelectionViewTest::keys_data()
+{
+    QTest::addColumn<bool>("midDrag");
+    QTest::addColumn<int>("keyCode");
+    QTest::addColumn<bool>("handled");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("Escape cancels") << false << 53 << true << QStringList{u"cancelSelection"_s};
+    QTest::newRow("Escape during a drag shows the pointer and cancels")
+        << true << 53 << true << QStringList{u"cursorDidHide"_s, u"cursorDidRestore"_s, u"cancelSelection"_s};
+    QTest::newRow("Space takes the window under the pointer")
+        << false << 49 << true << QStringList{u"captureWindowUnderCursor"_s};
+    QTest::newRow("other keys are left to the window") << false << 0 << false << QStringList{};
+    QTest::newRow("Return is left to the window too") << true << 36 << false << QStringList{u"cursorDidHide"_s};
+}
+
+void SelectionViewTest::keys()
+{
+    QFETCH(bool, midDrag);
+    QFETCH(int, keyCode);
+    QFETCH(bool, handled);
+    QFETCH(QStringList, expected);
+    ViewFixture f;
+    if (midDrag) {
+        f.view.mouseDown(QPointF(10, 10));
+        f.view.mouseDragged(QPointF(200, 200));
+    }
+    QCOMPARE(f.view.keyDown(keyCode), handled);
+    QCOMPARE(f.delegate.calls, expected);
+    if (keyCode == SelectionView::escapeKeyCode) {
+        QVERIFY(f.view.currentRect().isEmpty());
+        QVERIFY(!f.view.startPoint());
+        QCOMPARE(f.cursor.hiddenLevel(), 0);
+    }
+}
+
+void SelectionViewTest::cursorIsHiddenOncePerViewAndAlwaysShownAgain()
+{
+    ViewFixture f;
+    f.view.mouseDown(QPointF(10, 10));
+    f.view.mouseDown(QPointF(20, 20));
+    QCOMPARE(f.cursor.hideCount, 1);
+    f.view.resetInteractionState(false);
+    QCOMPARE(f.cursor.hiddenLevel(), 1);
+    f.view.resetForPresentation();
+    QCOMPARE(f.cursor.hiddenLevel(), 0);
+
+    // Leaving the window shows the pointer again.
+    f.view.mouseDown(QPointF(10, 10));
+    f.view.setWindow(nullptr);
+    QCOMPARE(f.cursor.hiddenLevel(), 0);
+    f.view.cancelOperation();
+    QCOMPARE(f.cursor.hideCount, 2);
+    QCOMPARE(f.cursor.unhideCount, 2);
+}
+
+void SelectionViewTest::presentationStartsClean()
+{
+    ViewFixture f;
+    f.view.mouseDown(QPointF(10, 10));
+    f.view.mouseDragged(QPointF(200, 200));
+    const int redraws = f.window.needsDisplayCount;
+    f.view.resetForPresentation();
+    QVERIFY(f.view.currentRect().isEmpty());
+    QVERIFY(!f.view.currentMousePoint());
+    QVERIFY(f.window.needsDisplayCount > redraws);
+    // Without a press, a drag starts nothing.
+    f.view.mouseDragged(QPointF(300, 300));
+    QVERIFY(f.view.currentRect().isEmpty());
+}
+
+void SelectionViewTest::labelMeasuresPixelsOfTheViewsDisplay()
+{
+    ViewFixture f;
+    const Rect selection(0, 0, 100, 50.25);
+    QCOMPARE(f.view.selectionPixelSize(selection), (capturegeometry::PixelSize{200, 101}));
+    f.window.screenOverride = std::optional<DisplayInfo>();
+    f.displays.main = FakeDisplayProvider::display(8, Rect(0, 0, 500, 500), 3);
+    QCOMPARE(f.view.selectionPixelSize(selection), (capturegeometry::PixelSize{300, 151}));
+    f.displays.main.reset();
+    QCOMPARE(f.view.selectionPixelSize(selection), (capturegeometry::PixelSize{100, 51}));
+}
+
+void SelectionViewTest::frozenImageIsDimmedAndUpright()
+{
+    ViewFixture f(QSizeF(400, 300));
+    // A 2x screen image: red in its top half, blue in its bottom half.
+    QImage frozen(800, 600, QImage::Format_RGB32);
+    frozen.fill(QColor(0, 0, 200));
+    QPainter(&frozen).fillRect(0, 0, 800, 300, QColor(200, 0, 0));
+    f.view.setFrozenBackgroundImage(frozen);
+
+    const QImage canvas = render(f.view, Qt::magenta);
+    QCOMPARE_COLOR(at(canvas, 50, 250), over(QColor(200, 0, 0), dimming));
+    QCOMPARE_COLOR(at(canvas, 350, 40), over(QColor(0, 0, 200), dimming));
+    QCOMPARE_COLOR(at(canvas, 399, 299), over(QColor(200, 0, 0), dimming));
+}
+
+void SelectionViewTest::liveDesktopIsDimmed()
+{
+    ViewFixture f(QSizeF(400, 300));
+    const QImage canvas = render(f.view, QColor(200, 200, 200));
+    QCOMPARE_COLOR(at(canvas, 200, 150), QColor(150, 150, 150));
+}
+
+void SelectionViewTest::selectionFillOutlineAndLabel()
+{
+    ViewFixture f(QSizeF(400, 300));
+    const QColor screen(200, 100, 40);
+    f.showFrozenScreen(screen);
+    f.view.mouseDown(QPointF(100, 150));
+    f.view.mouseDragged(QPointF(250, 250));
+    const Rect selection(100, 150, 150, 100);
+    QCOMPARE(f.view.currentRect(), selection);
+
+    const QImage canvas = render(f.view);
+    const QColor dimmed = over(screen, dimming);
+    QCOMPARE_COLOR(at(canvas, 150, 200), over(dimmed, selectionFill));
+    // The white outline is two points wide, centred on the edge.
+    QCOMPARE_COLOR(at(canvas, 99, 200), Qt::white);
+    QCOMPARE_COLOR(at(canvas, 100, 200), Qt::white);
+    QCOMPARE_COLOR(at(canvas, 97, 200), dimmed);
+
+    // "300 x 200 px" on this 2x display, in its box below-right of the selection.
+    const QString text = selectionpainting::sizeLabelText(f.view.selectionPixelSize(selection));
+    QCOMPARE(text, u"300 x 200 px"_s);
+    const QFont font = selectionpainting::sizeLabelFont();
+    const QSizeF textSize = selectionpainting::textSize(text, font);
+    const QSizeF labelSize(std::ceil(textSize.width() + 16), std::ceil(textSize.height() + 10));
+    const Rect label = f.view.sizeLabelRect(selection, labelSize, 8);
+    QCOMPARE(label.origin(), QPointF(258, 150 - labelSize.height() - 8));
+    const QColor box = over(dimmed, labelFill);
+    QCOMPARE_COLOR(at(canvas, label.minX() + 3, label.midY()), box);
+    QCOMPARE_COLOR(at(canvas, label.maxX() - 3, label.minY() + 2), box);
+    QCOMPARE_COLOR(at(canvas, label.minX() - 3, label.midY()), dimmed);
+    QCOMPARE_COLOR(at(canvas, label.midX(), label.maxY() + 2), dimmed);
+    // Some text is drawn inside the box, in white.
+    bool hasText = false;
+    for (int x = int(label.minX()) + 8; x < int(label.maxX()) - 8 && !hasText; ++x) {
+        for (int y = int(label.minY()) + 5; y < int(label.maxY()) - 5 && !hasText; ++y)
+            hasText = at(canvas, x, y).lightness() > 200;
+    }
+    QVERIFY(hasText);
+}
+
+void SelectionViewTest::crosshairIsDashed()
+{
+    ViewFixture f(QSizeF(400, 300));
+    const QColor screen(200, 100, 40);
+    f.showFrozenScreen(screen);
+    f.view.mouseMoved(QPointF(200.5, 120.5));
+
+    const QImage canvas = render(f.view);
+    const QColor dimmed = over(screen, dimming);
+    const QColor line = over(dimmed, crosshair);
+    // Six points on, six off, starting at the bottom and at the left.
+    QCOMPARE_COLOR(at(canvas, 200, 3), line);
+    QCOMPARE_COLOR(at(canvas, 200, 9), dimmed);
+    QCOMPARE_COLOR(at(canvas, 200, 15), line);
+    QCOMPARE_COLOR(at(canvas, 3, 120), line);
+    QCOMPARE_COLOR(at(canvas, 9, 120), dimmed);
+    // One point wide.
+    QCOMPARE_COLOR(at(canvas, 199, 3), dimmed);
+    QCOMPARE_COLOR(at(canvas, 201, 3), dimmed);
+    // No selection yet, so no label or fill anywhere off the lines.
+    QCOMPARE_COLOR(at(canvas, 250, 60), dimmed);
+
+    f.view.resetForPresentation();
+    QCOMPARE_COLOR(at(render(f.view), 200, 3), dimmed);
+}
+
+QTEST_MAIN(SelectionViewTest)
+#include "tst_selectionview.moc"

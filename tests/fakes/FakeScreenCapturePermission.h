@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/ScreenCapturePermission.h"
+
+class FakeScreenCapturePermission final : public ScreenCapturePermission
+{
+public:
+    bool preflight() override
+    {
+        ++preflightCount;
+        return preflightResult;
+    }
+    bool request() override
+    {
+        ++requestCount;
+        return requestResult;
+    }
+
+    bool preflightResult = true;
+    bool requestResult = true;
+    int preflightCount = 0;
+    int requestCount = 0;
+};

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "FakeDisplayProvider.h"
+
+#include "platform/SelectionWindow.h"
+
+#include <QList>
+#include <QStringList>
+
+// A window that only keeps its frame, content and visibility. Its screen is the display of
+// `displays` that holds most of its frame, as on macOS, unless a test sets `screenOverride`.
+class FakeSelectionWindow final : public SelectionWindow
+{
+public:
+    FakeSelectionWindow(const FakeDisplayProvider &displays, int number, QStringList *journal)
+        : m_displays(displays), m_number(number), m_journal(journal)
+    {
+    }
+
+    Rect frame() const override { return m_frame; }
+    void setFrame(const Rect &frame) override
+    {
+        m_frame = frame;
+        record(QStringLiteral("setFrame"));
+    }
+    std::optional<DisplayInfo> screen() const override
+    {
+        if (screenOverride)
+            return *screenOverride;
+        std::optional<DisplayInfo> best;
+        double bestArea = 0;
+        for (const DisplayInfo &display : m_displays.displays) {
+            const Rect overlap = display.frame.intersected(m_frame);
+            const double area = overlap.isNull() ? 0 : overlap.width() * overlap.height();
+            if (area > bestArea) {
+                bestArea = area;
+                best = display;
+            }
+        }
+        return best;
+    }
+    Rect convertRectToScreen(const Rect &rect) const override { return rect.translated(m_frame.x(), m_frame.y()); }
+    QPointF convertPointFromScreen(QPointF point) const override { return point - m_frame.origin(); }
+    void setContentView(SelectionView *view) override { contentView = view; }
+    void setNeedsDisplay() override { ++needsDisplayCount; }
+    void displayIfNeeded() override { ++displayCount; }
+    void makeKeyAndOrderFront() override
+    {
+        isVisible = true;
+        isKey = true;
+        record(QStringLiteral("makeKeyAndOrderFront"));
+    }
+    void orderFront() override
+    {
+        isVisible = true;
+        record(QStringLiteral("orderFront"));
+    }
+    void orderOut() override
+    {
+        isVisible = false;
+        isKey = false;
+        record(QStringLiteral("orderOut"));
+    }
+
+    std::optional<std::optional<DisplayInfo>> screenOverride;
+    SelectionView *contentView = nullptr;
+    bool isVisible = false;
+    bool isKey = false;
+    int needsDisplayCount = 0;
+    int displayCount = 0;
+
+private:
+    void record(const QString &call)
+    {
+        if (m_journal)
+            m_journal->append(QStringLiteral("window%1.").arg(m_number) + call);
+    }
+
+    const FakeDisplayProvider &m_displays;
+    int m_number;
+    QStringList *m_journal;
+    Rect m_frame;
+};
