@@ -9,6 +9,7 @@ class HotKeyRegistrar;
 class KeyValueStore;
 class LegacyPreferencesSource;
 class LoginItemService;
+class PngWriter;
 class Scheduler;
 class StatusItem;
 class SystemLog;
@@ -31,6 +32,7 @@ struct PlatformServices
     // Null where there are no older installations to migrate from.
     const LegacyPreferencesSource *legacyPreferences = nullptr;
     LoginItemService *loginItem = nullptr;
+    const PngWriter *pngWriter = nullptr;
     Scheduler *scheduler = nullptr;
     StatusItem *statusItem = nullptr;
     SystemLog *systemLog = nullptr;
