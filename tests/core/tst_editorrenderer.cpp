@@ -1,6 +1,6 @@
 #include "TestPrinters.h"
 
-#include "LibdeflatePngWriter.h"
+#include "FastPngWriter.h"
 #include "editor/EditorFont.h"
 #include "editor/EditorRenderer.h"
 #include "editor/Overlay.h"
@@ -53,7 +53,7 @@ Flattened flatten(const QImage &source, const QList<Overlay> &overlays)
     const QImage rendered = editorrender::renderEditedImage(source, overlays);
     QTemporaryDir folder;
     const QString path = folder.filePath(u"edited.png"_s);
-    if (LibdeflatePngWriter().writeFile(rendered, path))
+    if (FastPngWriter().writeFile(rendered, path))
         return {};
     return {QImage(path).convertToFormat(QImage::Format_RGB32),
             overlaygeometry::renderContentBounds(overlays, QSizeF(source.size()))};

@@ -3,6 +3,7 @@
 #include "editor/EditorFont.h"
 #include "editor/MosaicPixellation.h"
 #include "editor/OverlayGeometry.h"
+#include "editor/RoundStrokeRaster.h"
 
 #include <QPainter>
 #include <QPen>
@@ -71,21 +72,29 @@ QImage renderEditedImage(const QImage &image, const QList<Overlay> &overlays)
         || bounds.width() * bounds.height() > maximumCanvasPixels)
         return image;
 
-    // Opaque: everything is painted source-over onto white, so alpha would always be full.
-    QImage canvas(std::max(1, int(bounds.width())), std::max(1, int(bounds.height())), QImage::Format_RGB32);
+    // Opaque: everything is painted source-over onto white, so alpha would always be full. When the
+    // image fills the canvas and has no transparency, copying it is the same as painting it on white.
+    const bool isImageTheCanvas = bounds == Rect(0, 0, pixels.width(), pixels.height()) && !image.hasAlphaChannel();
+    QImage canvas = isImageTheCanvas ? image.convertToFormat(QImage::Format_RGB32)
+                                     : QImage(std::max(1, int(bounds.width())), std::max(1, int(bounds.height())),
+                                              QImage::Format_RGB32);
     if (canvas.isNull())
         return image;
-    canvas.fill(Qt::white);
+    canvas.setDevicePixelRatio(1);
+    if (!isImageTheCanvas)
+        canvas.fill(Qt::white);
     QPainter painter(&canvas);
     if (!painter.isActive())
         return image;
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform | QPainter::TextAntialiasing);
     painter.setTransform(canvasTransform(Rect(bounds.minX(), bounds.minY(), canvas.width(), canvas.height())));
 
-    painter.save();
-    const QRectF imageBox = beginUpright(painter, Rect(0, 0, pixels.width(), pixels.height()));
-    painter.drawImage(imageBox, image, QRectF(image.rect()));
-    painter.restore();
+    if (!isImageTheCanvas) {
+        painter.save();
+        const QRectF imageBox = beginUpright(painter, Rect(0, 0, pixels.width(), pixels.height()));
+        painter.drawImage(imageBox, image, QRectF(image.rect()));
+        painter.restore();
+    }
 
     for (const Overlay &overlay : std::as_const(drawable))
         drawOverlay(painter, overlay, image);
@@ -155,13 +164,27 @@ void drawFreehand(QPainter &painter, const QList<QPointF> &points, const QColor 
 {
     if (!painter.isActive() || points.isEmpty())
         return;
+    // Rasterised in device pixels, then put on the device one to one.
+    const QTransform toDevice = painter.deviceTransform();
+    QList<QPointF> devicePoints;
+    devicePoints.reserve(points.size());
+    for (const QPointF &point : points)
+        devicePoints.append(toDevice.map(point));
+    const double scale = std::sqrt(std::abs(toDevice.determinant()));
     painter.save();
-    if (points.size() == 1) {
-        const double diameter = overlaygeometry::freehandLineWidth;
+    if (std::optional<roundstroke::Patch> patch =
+            roundstroke::rasterize(devicePoints, overlaygeometry::freehandLineWidth * scale, color)) {
+        const double ratio = painter.device()->devicePixelRatio();
+        patch->image.setDevicePixelRatio(ratio);
+        painter.resetTransform();
+        painter.drawImage(QPointF(patch->topLeft) / ratio, patch->image);
+    } else if (points.size() == 1) {
+        const double radius = overlaygeometry::freehandLineWidth / 2;
         painter.setPen(Qt::NoPen);
         painter.setBrush(color);
-        painter.drawEllipse(points.first(), diameter / 2, diameter / 2);
+        painter.drawEllipse(points.first(), radius, radius);
     } else {
+        // Too large to rasterise here (a stroke far beyond a zoomed-in view): Qt's stroker clips.
         QPen pen(color, overlaygeometry::freehandLineWidth);
         pen.setCapStyle(Qt::RoundCap);
         pen.setJoinStyle(Qt::RoundJoin);

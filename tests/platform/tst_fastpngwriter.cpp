@@ -1,4 +1,4 @@
-#include "LibdeflatePngWriter.h"
+#include "FastPngWriter.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -47,7 +47,7 @@ QList<Chunk> chunks(const QByteArray &png)
 
 } // namespace
 
-class LibdeflatePngWriterTest : public QObject
+class FastPngWriterTest : public QObject
 {
     Q_OBJECT
 
@@ -63,7 +63,7 @@ private slots:
     void writeFileReplacesAndLeavesNothingBehind();
 };
 
-void LibdeflatePngWriterTest::everyPixelSurvives_data()
+void FastPngWriterTest::everyPixelSurvives_data()
 {
     QTest::addColumn<QImage>("image");
     QTest::addColumn<int>("colourType");
@@ -78,23 +78,28 @@ void LibdeflatePngWriterTest::everyPixelSurvives_data()
     QTest::newRow("one pixel") << noise(1, 1, QImage::Format_RGB32) << 2;
     QTest::newRow("one wide row") << noise(4099, 1, QImage::Format_RGB32) << 2;
     QTest::newRow("one tall column") << noise(1, 3001, QImage::Format_ARGB32) << 6;
+    QTest::newRow("large enough to split, opaque") << noise(1280, 720, QImage::Format_RGB32) << 2;
+    QTest::newRow("large enough to split, alpha") << noise(700, 500, QImage::Format_ARGB32) << 6;
 }
 
-void LibdeflatePngWriterTest::everyPixelSurvives()
+void FastPngWriterTest::everyPixelSurvives()
 {
     QFETCH(QImage, image);
     QFETCH(int, colourType);
-    const QByteArray png = LibdeflatePngWriter().encode(image);
-    QVERIFY(!png.isEmpty());
-    QCOMPARE(int(png.at(25)), colourType);
-    const QImage decoded = QImage::fromData(png, "PNG");
-    QCOMPARE(decoded.size(), image.size());
-    QCOMPARE(decoded.convertToFormat(QImage::Format_ARGB32), image.convertToFormat(QImage::Format_ARGB32));
+    const QImage expected = image.convertToFormat(QImage::Format_ARGB32);
+    for (bool mayUseSecondThread : {true, false}) {
+        const QByteArray png = FastPngWriter(1, mayUseSecondThread).encode(image);
+        QVERIFY(!png.isEmpty());
+        QCOMPARE(int(png.at(25)), colourType);
+        const QImage decoded = QImage::fromData(png, "PNG");
+        QCOMPARE(decoded.size(), image.size());
+        QCOMPARE(decoded.convertToFormat(QImage::Format_ARGB32), expected);
+    }
 }
 
-void LibdeflatePngWriterTest::fileHoldsOnlyTheImage()
+void FastPngWriterTest::fileHoldsOnlyTheImage()
 {
-    const QByteArray png = LibdeflatePngWriter().encode(noise(300, 200, QImage::Format_RGB32));
+    const QByteArray png = FastPngWriter().encode(noise(300, 200, QImage::Format_RGB32));
     QCOMPARE(png.left(8), QByteArray::fromHex("89504e470d0a1a0a"));
     const QList<Chunk> parts = chunks(png);
     QCOMPARE(parts.size(), 3);
@@ -105,7 +110,7 @@ void LibdeflatePngWriterTest::fileHoldsOnlyTheImage()
     QVERIFY(parts.at(2).data.isEmpty());
 }
 
-void LibdeflatePngWriterTest::anotherDecoderReadsIt()
+void FastPngWriterTest::anotherDecoderReadsIt()
 {
     const QString python = u"/usr/bin/python3"_s;
     if (!QFile::exists(python))
@@ -113,7 +118,7 @@ void LibdeflatePngWriterTest::anotherDecoderReadsIt()
     QTemporaryDir folder;
     const QImage image = noise(641, 479, QImage::Format_ARGB32);
     const QString path = folder.filePath(u"pil.png"_s);
-    QVERIFY(!LibdeflatePngWriter().writeFile(image, path));
+    QVERIFY(!FastPngWriter().writeFile(image, path));
     QProcess pil;
     pil.start(python, {u"-c"_s, u"import hashlib, sys\nfrom PIL import Image\nim = Image.open(sys.argv[1])\n"
                                 u"im.load()\nprint(im.mode, hashlib.sha256(im.tobytes()).hexdigest())"_s,
@@ -127,23 +132,23 @@ void LibdeflatePngWriterTest::anotherDecoderReadsIt()
              "RGBA " + QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
 }
 
-void LibdeflatePngWriterTest::nullImageIsNotEncoded()
+void FastPngWriterTest::nullImageIsNotEncoded()
 {
-    QVERIFY(LibdeflatePngWriter().encode(QImage()).isEmpty());
+    QVERIFY(FastPngWriter().encode(QImage()).isEmpty());
     QTemporaryDir folder;
-    const auto failure = LibdeflatePngWriter().writeFile(QImage(), folder.filePath(u"null.png"_s));
+    const auto failure = FastPngWriter().writeFile(QImage(), folder.filePath(u"null.png"_s));
     QVERIFY(failure);
     QCOMPARE(failure->kind, PngWriter::Failure::Kind::CannotWrite);
     QVERIFY(!QFile::exists(folder.filePath(u"null.png"_s)));
 }
 
-void LibdeflatePngWriterTest::concurrentEncodesAreIndependent()
+void FastPngWriterTest::concurrentEncodesAreIndependent()
 {
-    const LibdeflatePngWriter writer;
+    const FastPngWriter writer;
     QList<QImage> images;
     QList<QByteArray> expected;
     for (quint32 i = 0; i < 4; ++i) {
-        images.append(noise(400, 300, QImage::Format_RGB32, i + 1));
+        images.append(noise(800, 600, QImage::Format_RGB32, i + 1));
         expected.append(writer.encode(images.last()));
     }
     QList<QByteArray> results(4);
@@ -158,25 +163,25 @@ void LibdeflatePngWriterTest::concurrentEncodesAreIndependent()
     QCOMPARE(results, expected);
 }
 
-void LibdeflatePngWriterTest::writeFileFailures_data()
+void FastPngWriterTest::writeFileFailures_data()
 {
     QTest::addColumn<QString>("relativePath");
     QTest::newRow("missing folder") << u"no/such/folder/a.png"_s;
     QTest::newRow("name taken by a folder") << u"taken.png"_s;
 }
 
-void LibdeflatePngWriterTest::writeFileFailures()
+void FastPngWriterTest::writeFileFailures()
 {
     QFETCH(QString, relativePath);
     QTemporaryDir folder;
     QVERIFY(QDir(folder.path()).mkdir(u"taken.png"_s));
-    const auto failure = LibdeflatePngWriter().writeFile(noise(4, 4, QImage::Format_RGB32), folder.filePath(relativePath));
+    const auto failure = FastPngWriter().writeFile(noise(4, 4, QImage::Format_RGB32), folder.filePath(relativePath));
     QVERIFY(failure);
     QCOMPARE(failure->kind, PngWriter::Failure::Kind::CannotCreateDestination);
     QVERIFY(!failure->description.isEmpty());
 }
 
-void LibdeflatePngWriterTest::writeFileReplacesAndLeavesNothingBehind()
+void FastPngWriterTest::writeFileReplacesAndLeavesNothingBehind()
 {
     QTemporaryDir folder;
     const QString path = folder.filePath(u"capture.png"_s);
@@ -185,10 +190,10 @@ void LibdeflatePngWriterTest::writeFileReplacesAndLeavesNothingBehind()
     old.write(QByteArray(100000, 'x'));
     old.close();
     const QImage image = noise(64, 32, QImage::Format_RGB32);
-    QVERIFY(!LibdeflatePngWriter().writeFile(image, path));
+    QVERIFY(!FastPngWriter().writeFile(image, path));
     QCOMPARE(QImage(path).convertToFormat(QImage::Format_RGB32), image);
     QCOMPARE(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden), QStringList{u"capture.png"_s});
 }
 
-QTEST_MAIN(LibdeflatePngWriterTest)
-#include "tst_libdeflatepngwriter.moc"
+QTEST_MAIN(FastPngWriterTest)
+#include "tst_fastpngwriter.moc"
