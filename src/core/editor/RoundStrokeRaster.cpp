@@ -16,7 +16,8 @@ struct Coverage
     QRect box;
     std::vector<uchar> values;
 
-    uchar &at(int x, int y) { return values[size_t(y - box.top()) * size_t(box.width()) + size_t(x - box.left())]; }
+    // The coverage of pixel (0, y), so that row[x] is pixel (x, y).
+    uchar *row(int y) { return values.data() + size_t(y - box.top()) * size_t(box.width()) - box.left(); }
 };
 
 // Raises the coverage of every pixel near the capsule around segment a–b.
@@ -33,13 +34,17 @@ void addCapsule(Coverage &coverage, QPointF a, QPointF b, double radius)
     const double lengthSquared = dx * dx + dy * dy;
     for (int y = near.top(); y <= near.bottom(); ++y) {
         const double py = y + 0.5 - a.y();
+        uchar *row = coverage.row(y);
         for (int x = near.left(); x <= near.right(); ++x) {
+            uchar &value = row[x];
+            // Already inside an earlier capsule: consecutive segments overlap a great deal.
+            if (value == 255)
+                continue;
             const double px = x + 0.5 - a.x();
             const double t = lengthSquared > 0 ? std::clamp((px * dx + py * dy) / lengthSquared, 0.0, 1.0) : 0.0;
             const double ex = px - t * dx;
             const double ey = py - t * dy;
             const double inside = std::clamp(reach - std::sqrt(ex * ex + ey * ey), 0.0, 1.0);
-            uchar &value = coverage.at(x, y);
             value = std::max(value, uchar(inside * 255 + 0.5));
         }
     }
@@ -84,10 +89,11 @@ std::optional<Patch> rasterize(const QList<QPointF> &points, double width, const
     Patch patch{QImage(coverage.box.size(), QImage::Format_ARGB32_Premultiplied), coverage.box.topLeft()};
     if (patch.image.isNull())
         return std::nullopt;
-    for (int y = 0; y < patch.image.height(); ++y) {
+    const int patchWidth = coverage.box.width();
+    for (int y = 0; y < coverage.box.height(); ++y) {
         auto *line = reinterpret_cast<QRgb *>(patch.image.scanLine(y));
-        const uchar *values = coverage.values.data() + size_t(y) * size_t(coverage.box.width());
-        for (int x = 0; x < patch.image.width(); ++x)
+        const uchar *values = coverage.values.data() + size_t(y) * size_t(patchWidth);
+        for (int x = 0; x < patchWidth; ++x)
             line[x] = shades[values[x]];
     }
     return patch;
