@@ -86,4 +86,15 @@ QList<Overlay> busyDocument(QSize size)
     return overlays;
 }
 
+void measureEncoding(benchmark::State &state, const std::function<QByteArray()> &encode)
+{
+    qint64 bytes = 0;
+    for (auto _ : state) {
+        const QByteArray png = encode();
+        bytes = png.size();
+        benchmark::DoNotOptimize(png.constData());
+    }
+    state.counters["png_bytes"] = double(bytes);
+}
+
 } // namespace benchsupport

@@ -2,9 +2,14 @@
 
 #include "editor/Overlay.h"
 
+#include <QByteArray>
 #include <QImage>
 #include <QList>
 #include <QSize>
+
+#include <benchmark/benchmark.h>
+
+#include <functional>
 
 namespace benchsupport {
 
@@ -17,5 +22,8 @@ QList<Overlay> busyDocument(QSize size);
 
 // A freehand stroke of `count` points wandering from `start`.
 Overlay freehandStroke(QPointF start, int count, quint32 seed);
+
+// Times `encode` and reports the size of what it made as "png_bytes".
+void measureEncoding(benchmark::State &state, const std::function<QByteArray()> &encode);
 
 } // namespace benchsupport

@@ -23,13 +23,7 @@ void flattenAndEncode(benchmark::State &state)
     const QImage &desk = benchsupport::deskImage();
     const QList<Overlay> overlays = benchsupport::busyDocument(desk.size());
     const FastPngWriter writer;
-    qint64 bytes = 0;
-    for (auto _ : state) {
-        const QByteArray png = writer.encode(editorrender::renderEditedImage(desk, overlays));
-        bytes = png.size();
-        benchmark::DoNotOptimize(png.constData());
-    }
-    state.counters["png_bytes"] = double(bytes);
+    benchsupport::measureEncoding(state, [&] { return writer.encode(editorrender::renderEditedImage(desk, overlays)); });
 }
 BENCHMARK(flattenAndEncode)->Unit(benchmark::kMillisecond)->UseRealTime();
 
@@ -39,10 +33,7 @@ void encodeFlattened(benchmark::State &state)
     const QImage &desk = benchsupport::deskImage();
     const QImage flattened = editorrender::renderEditedImage(desk, benchsupport::busyDocument(desk.size()));
     const FastPngWriter writer;
-    for (auto _ : state) {
-        const QByteArray png = writer.encode(flattened);
-        benchmark::DoNotOptimize(png.constData());
-    }
+    benchsupport::measureEncoding(state, [&] { return writer.encode(flattened); });
 }
 BENCHMARK(encodeFlattened)->Unit(benchmark::kMillisecond)->UseRealTime();
 

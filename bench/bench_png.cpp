@@ -14,13 +14,7 @@ void ourEncoder(benchmark::State &state)
 {
     const QImage &desk = benchsupport::deskImage();
     const FastPngWriter writer(int(state.range(0)), state.range(1) != 0);
-    qint64 bytes = 0;
-    for (auto _ : state) {
-        const QByteArray png = writer.encode(desk);
-        bytes = png.size();
-        benchmark::DoNotOptimize(png.constData());
-    }
-    state.counters["png_bytes"] = double(bytes);
+    benchsupport::measureEncoding(state, [&] { return writer.encode(desk); });
 }
 // Arguments: the deflate level, and whether a second thread may compress part of the picture.
 BENCHMARK(ourEncoder)
@@ -33,29 +27,20 @@ void ourEncoderWithAlpha(benchmark::State &state)
 {
     const QImage desk = benchsupport::deskImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
     const FastPngWriter writer;
-    qint64 bytes = 0;
-    for (auto _ : state) {
-        const QByteArray png = writer.encode(desk);
-        bytes = png.size();
-        benchmark::DoNotOptimize(png.constData());
-    }
-    state.counters["png_bytes"] = double(bytes);
+    benchsupport::measureEncoding(state, [&] { return writer.encode(desk); });
 }
 BENCHMARK(ourEncoderWithAlpha)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void qtWriter(benchmark::State &state)
 {
     const QImage &desk = benchsupport::deskImage();
-    qint64 bytes = 0;
-    for (auto _ : state) {
+    benchsupport::measureEncoding(state, [&] {
         QByteArray png;
         QBuffer buffer(&png);
         buffer.open(QIODevice::WriteOnly);
         QImageWriter(&buffer, "png").write(desk);
-        bytes = png.size();
-        benchmark::DoNotOptimize(png.constData());
-    }
-    state.counters["png_bytes"] = double(bytes);
+        return png;
+    });
 }
 BENCHMARK(qtWriter)->Unit(benchmark::kMillisecond)->UseRealTime();
 

@@ -7,6 +7,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <functional>
 #include <unordered_set>
 
 namespace {
@@ -65,8 +66,8 @@ void report(benchmark::State &state, const ImageEditorModel &model)
     state.counters["deep_copy_bytes"] = double(document) * actions;
 }
 
-// Each action moves one stroke: the usual edit.
-void moveOneStrokePerAction(benchmark::State &state)
+// Records a snapshot before each of 100 actions, as the editor does, then reports what is held.
+void runActions(benchmark::State &state, const std::function<void(ImageEditorModel &, int)> &action)
 {
     FakeKeyValueStore store;
     for (auto _ : state) {
@@ -74,30 +75,29 @@ void moveOneStrokePerAction(benchmark::State &state)
         model.setOverlays(strokes());
         for (int i = 0; i < actions; ++i) {
             model.recordUndoSnapshot();
-            model.moveOverlay(model.overlays().at(i % strokeCount).id, QSizeF(3, -2));
+            action(model, i);
         }
         state.PauseTiming();
         report(state, model);
         state.ResumeTiming();
     }
 }
+
+// Each action moves one stroke: the usual edit.
+void moveOneStrokePerAction(benchmark::State &state)
+{
+    runActions(state, [](ImageEditorModel &model, int i) {
+        model.moveOverlay(model.overlays().at(i % strokeCount).id, QSizeF(3, -2));
+    });
+}
 BENCHMARK(moveOneStrokePerAction)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 // Each action draws a new stroke on top.
 void drawOneStrokePerAction(benchmark::State &state)
 {
-    FakeKeyValueStore store;
-    for (auto _ : state) {
-        ImageEditorModel model(QImage(), store);
-        model.setOverlays(strokes());
-        for (int i = 0; i < actions; ++i) {
-            model.recordUndoSnapshot();
-            model.appendOverlay(benchsupport::freehandStroke(QPointF(200, 200), pointsPerStroke, quint32(1000 + i)));
-        }
-        state.PauseTiming();
-        report(state, model);
-        state.ResumeTiming();
-    }
+    runActions(state, [](ImageEditorModel &model, int i) {
+        model.appendOverlay(benchsupport::freehandStroke(QPointF(200, 200), pointsPerStroke, quint32(1000 + i)));
+    });
 }
 BENCHMARK(drawOneStrokePerAction)->Unit(benchmark::kMillisecond)->UseRealTime();
 

@@ -144,20 +144,20 @@ void ImageEditorModel::recordUndoSnapshot()
 
 void ImageEditorModel::undoLastAction()
 {
-    if (m_undoStack.isEmpty())
-        return;
-    const Snapshot snapshot = m_undoStack.takeLast();
-    pushTrimmed(m_redoStack, m_overlays);
-    setOverlays(snapshot);
-    updateHistoryFlags();
+    stepThroughHistory(m_undoStack, m_redoStack);
 }
 
 void ImageEditorModel::redoLastAction()
 {
-    if (m_redoStack.isEmpty())
+    stepThroughHistory(m_redoStack, m_undoStack);
+}
+
+void ImageEditorModel::stepThroughHistory(QList<Snapshot> &from, QList<Snapshot> &to)
+{
+    if (from.isEmpty())
         return;
-    const Snapshot snapshot = m_redoStack.takeLast();
-    pushTrimmed(m_undoStack, m_overlays);
+    const Snapshot snapshot = from.takeLast();
+    pushTrimmed(to, m_overlays);
     setOverlays(snapshot);
     updateHistoryFlags();
 }

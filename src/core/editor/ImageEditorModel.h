@@ -96,6 +96,8 @@ signals:
 
 private:
     static void pushTrimmed(QList<Snapshot> &stack, const Snapshot &snapshot);
+    // Undo (from the undo stack to the redo stack) or redo (the other way); nothing when `from` is empty.
+    void stepThroughHistory(QList<Snapshot> &from, QList<Snapshot> &to);
     void updateHistoryFlags();
 
     UserDefaults m_defaults;
