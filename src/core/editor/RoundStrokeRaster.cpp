@@ -1,5 +1,7 @@
 #include "editor/RoundStrokeRaster.h"
 
+#include "editor/OverlayGeometry.h"
+
 #include <QRect>
 
 #include <algorithm>
@@ -16,8 +18,7 @@ struct Coverage
     QRect box;
     std::vector<uchar> values;
 
-    // The coverage of pixel (0, y), so that row[x] is pixel (x, y).
-    uchar *row(int y) { return values.data() + size_t(y - box.top()) * size_t(box.width()) - box.left(); }
+    uchar *row(int y) { return values.data() + size_t(y - box.top()) * size_t(box.width()); }
 };
 
 // Raises the coverage of every pixel near the capsule around segment a–b.
@@ -36,7 +37,7 @@ void addCapsule(Coverage &coverage, QPointF a, QPointF b, double radius)
         const double py = y + 0.5 - a.y();
         uchar *row = coverage.row(y);
         for (int x = near.left(); x <= near.right(); ++x) {
-            uchar &value = row[x];
+            uchar &value = row[x - coverage.box.left()];
             // Already inside an earlier capsule: consecutive segments overlap a great deal.
             if (value == 255)
                 continue;
@@ -57,18 +58,12 @@ std::optional<Patch> rasterize(const QList<QPointF> &points, double width, const
     if (points.isEmpty() || !(width > 0) || !std::isfinite(width))
         return std::nullopt;
     const double radius = width / 2;
-    double minX = points.first().x(), maxX = minX, minY = points.first().y(), maxY = minY;
-    for (const QPointF &p : points) {
-        minX = std::min(minX, p.x());
-        maxX = std::max(maxX, p.x());
-        minY = std::min(minY, p.y());
-        maxY = std::max(maxY, p.y());
-    }
+    const Rect extent = overlaygeometry::boundsOfPoints({points.constData(), size_t(points.size())});
     const double reach = radius + 1;
-    const double left = std::floor(minX - reach);
-    const double top = std::floor(minY - reach);
-    const double columns = std::ceil(maxX + reach) - left;
-    const double rows = std::ceil(maxY + reach) - top;
+    const double left = std::floor(extent.minX() - reach);
+    const double top = std::floor(extent.minY() - reach);
+    const double columns = std::ceil(extent.maxX() + reach) - left;
+    const double rows = std::ceil(extent.maxY() + reach) - top;
     if (!std::isfinite(columns) || !std::isfinite(rows) || std::abs(left) > 1e9 || std::abs(top) > 1e9
         || columns * rows > double(maximumPixels))
         return std::nullopt;
