@@ -84,10 +84,8 @@ void EditorModelTest::toolFromText()
 void EditorModelTest::toolOrderAndLabels()
 {
     QStringList labels;
-    for (EditorTool tool : editortool::allCases()) {
+    for (EditorTool tool : editortool::allCases())
         labels.append(editortool::rawValue(tool));
-        QCOMPARE(editortool::fromRawValue(editortool::rawValue(tool)), std::optional(tool));
-    }
     QCOMPARE(labels, (QStringList{u"四角枠"_s, u"丸枠"_s, u"矢印"_s, u"フリーハンド"_s, u"モザイク"_s, u"文字入力"_s}));
 }
 

@@ -109,7 +109,6 @@ class ImageLoadingTest : public QObject
 private slots:
     void losslessFormatsRoundTrip_data();
     void losslessFormatsRoundTrip();
-    void jpegIsDecoded();
     void gifIsDecoded();
     void formatComesFromTheContents();
     void orientationIsApplied();
@@ -144,16 +143,6 @@ void ImageLoadingTest::losslessFormatsRoundTrip()
     QVERIFY2(!loaded.isNull(), qPrintable(error));
     QCOMPARE(loaded.convertToFormat(QImage::Format_RGB32), original);
     QCOMPARE(loaded.devicePixelRatio(), 1.0);
-}
-
-void ImageLoadingTest::jpegIsDecoded()
-{
-    QImage original(64, 48, QImage::Format_RGB32);
-    original.fill(qRgb(240, 120, 30));
-    const QImage loaded = imageloading::decodeImageData(encoded(original, "jpeg", 95));
-    QCOMPARE(loaded.size(), original.size());
-    const QRgb pixel = loaded.pixel(20, 20);
-    QVERIFY(qAbs(qRed(pixel) - 240) < 4 && qAbs(qGreen(pixel) - 120) < 4 && qAbs(qBlue(pixel) - 30) < 4);
 }
 
 void ImageLoadingTest::gifIsDecoded()
