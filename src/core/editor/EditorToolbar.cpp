@@ -77,6 +77,21 @@ void EditorToolbar::selectTool(EditorTool tool)
     m_model.setSelectedTool(tool);
 }
 
+EditorToolbar::ModeToggle EditorToolbar::modeToggle() const
+{
+    return {texts::drawMode, texts::editMode, m_interaction.isDrawMode()};
+}
+
+void EditorToolbar::setDrawMode(bool drawMode)
+{
+    m_interaction.setDrawMode(drawMode);
+}
+
+QList<EditorToolbar::BottomButton> EditorToolbar::bottomButtons()
+{
+    return {{texts::cancel, BottomAction::Cancel, false}, {texts::save, BottomAction::Save, true}};
+}
+
 EditorToolbar::ActionButton EditorToolbar::undoButton() const
 {
     return {texts::undoSymbol, texts::undoHelp, QKeySequence(Qt::CTRL | Qt::Key_Z), m_model.canUndo()};

@@ -42,6 +42,20 @@ public:
         QColor color;
         bool isSelected;
     };
+    struct ModeToggle
+    {
+        QString drawTitle;
+        QString editTitle;
+        bool isDrawMode;
+    };
+    enum class BottomAction { Cancel, Save };
+    struct BottomButton
+    {
+        QString title;
+        BottomAction action;
+        // Return triggers the default button of the window.
+        bool isDefault;
+    };
     struct Range
     {
         double minimum;
@@ -60,6 +74,11 @@ public:
 
     QList<ToolButton> toolButtons() const;
     void selectTool(EditorTool tool);
+
+    ModeToggle modeToggle() const;
+    void setDrawMode(bool drawMode);
+    // "キャンセル" then "決定".
+    static QList<BottomButton> bottomButtons();
 
     ActionButton undoButton() const;
     ActionButton redoButton() const;
