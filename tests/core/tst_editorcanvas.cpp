@@ -3,7 +3,6 @@
 #include "editor/SystemColors.h"
 
 #include <QPainter>
-#include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -55,7 +54,6 @@ private slots:
     void textIsLeftToTheFields();
     void handlesArePainted();
     void saveDeliversTheFlattenedPicture();
-    void widgetsHearOfEveryChange();
 };
 
 void EditorCanvasTest::canvasShowsWhatIsSaved()
@@ -133,21 +131,6 @@ void EditorCanvasTest::saveDeliversTheFlattenedPicture()
     f.model->setImage(QImage());
     f.view.save();
     QVERIFY(saved.last().isNull()); // nothing to flatten: the picture as it is
-}
-
-void EditorCanvasTest::widgetsHearOfEveryChange()
-{
-    EditorViewFixture f;
-    QSignalSpy changed(&f.view, &ImageEditorView::changed);
-    QSignalSpy geometry(&f.view, &ImageEditorView::canvasGeometryChanged);
-    f.add(EditorTool::Rectangle, {0, 0}, {10, 10});
-    const qsizetype afterDrawing = changed.size();
-    QVERIFY(afterDrawing > 0);
-    f.view.viewport().setZoomScale(1.5);
-    QCOMPARE(geometry.size() > 0, true);
-    f.view.toolbar().setSelectedTextFillOpacity(0.3);
-    f.interaction().setDrawMode(false);
-    QVERIFY(changed.size() >= afterDrawing + 3);
 }
 
 QTEST_MAIN(EditorCanvasTest)

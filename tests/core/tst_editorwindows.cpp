@@ -1,5 +1,9 @@
 #include "helpers/EditorManagerFixture.h"
 
+#include "platform/NullAlertPresenter.h"
+#include "platform/NullEditorWindowFactory.h"
+#include "platform/NullOpenPanel.h"
+
 #include <QRegularExpression>
 #include <QTest>
 
@@ -40,6 +44,7 @@ private slots:
     void closingADetachedWindowStopsObservingIt();
     void primaryWindowIsMadeAgainAfterClosing();
     void cancelClosesTheWindow();
+    void withoutWindowsTheEditorSaysWhatItCannotShow();
 };
 
 void EditorWindowsTest::notificationCarriesTheEditInvitation()
@@ -296,6 +301,27 @@ void EditorWindowsTest::cancelClosesTheWindow()
     f.manager.openEditorLauncher();
     f.primary()->contentAs<EditorDropTargetView>()->trigger(EditorDropTargetView::ButtonRole::Cancel);
     QVERIFY(!f.manager.editorWindow());
+}
+
+void EditorWindowsTest::withoutWindowsTheEditorSaysWhatItCannotShow()
+{
+    EditorManagerFixture f;
+    NullEditorWindowFactory windows(f.diagnostics);
+    NullAlertPresenter alerts(f.systemLog);
+    NullOpenPanel openPanel(f.diagnostics);
+    ImageEditorManager manager(ImageEditorServices{f.settings, f.store, f.diagnostics, f.systemLog, f.scheduler, f.clock,
+                                                   f.displays, f.application, f.notifier, f.pasteboard, f.pngWriter,
+                                                   windows, alerts, openPanel});
+    manager.openEditorLauncher();
+    manager.openImagePanel();
+    manager.openImageFromClipboard();
+    QCOMPARE(f.diagnostics.lines(),
+             (QStringList{u"editor window not shown: this platform set has no editor windows (size {1000, 1000})"_s,
+                          u"open panel not shown: this platform set has no file-open panel"_s}));
+    QCOMPARE(f.systemLog.messages(),
+             QStringList{u"Vistrel: クリップボードに画像がありません 画像をコピーしてから、もう一度貼り付けてください。"_s});
+    manager.closePrimaryEditor();
+    QVERIFY(!manager.editorWindow());
 }
 
 QTEST_MAIN(EditorWindowsTest)

@@ -8,6 +8,9 @@
 #include "platform/ApplicationControl.h"
 #include "platform/DisplayProvider.h"
 #include "platform/EditorWindowFactory.h"
+#include "platform/NullAlertPresenter.h"
+#include "platform/NullEditorWindowFactory.h"
+#include "platform/NullOpenPanel.h"
 #include "platform/PlatformServices.h"
 #include "platform/Scheduler.h"
 #include "platform/SystemLog.h"
@@ -21,10 +24,16 @@ using namespace Qt::StringLiterals;
 ImageEditorManager &ImageEditorManager::shared()
 {
     const PlatformServices &p = PlatformServices::shared();
+    // Until a platform set has the editor's windows, dialogs and panel, the editor still takes
+    // captures, notifies and saves, and says in the logs what it could not show.
+    static NullEditorWindowFactory nullWindows(CrashDiagnostics::shared());
+    static NullAlertPresenter nullAlerts(*p.systemLog);
+    static NullOpenPanel nullOpenPanel(CrashDiagnostics::shared());
     static ImageEditorManager instance(ImageEditorServices{
         AppSettings::shared(), *p.store, CrashDiagnostics::shared(), *p.systemLog, *p.scheduler, *p.clock,
-        *p.displays, *p.application, *p.notifier, *p.pasteboard, *p.pngWriter, *p.editorWindows, *p.alerts,
-        *p.openPanel});
+        *p.displays, *p.application, *p.notifier, *p.pasteboard, *p.pngWriter,
+        p.editorWindows ? *p.editorWindows : nullWindows, p.alerts ? *p.alerts : nullAlerts,
+        p.openPanel ? *p.openPanel : nullOpenPanel});
     return instance;
 }
 
