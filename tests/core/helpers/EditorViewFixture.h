@@ -1,0 +1,77 @@
+#pragma once
+
+#include "FakeKeyValueStore.h"
+#include "FakeScheduler.h"
+#include "FakeSystemLog.h"
+
+#include "editor/ImageEditorModel.h"
+#include "editor/ImageEditorView.h"
+#include "editor/ViewportGeometry.h"
+
+#include <QList>
+#include <QPointF>
+
+#include <memory>
+
+// An editor view on a 400 × 300 picture at zoom 1, with the pointer scripted in image points.
+struct EditorViewFixture
+{
+    static QImage picture(int width = 400, int height = 300)
+    {
+        QImage image(width, height, QImage::Format_RGB32);
+        image.fill(QColor(90, 120, 150));
+        return image;
+    }
+
+    FakeKeyValueStore store;
+    FakeScheduler scheduler;
+    FakeSystemLog systemLog;
+    std::shared_ptr<ImageEditorModel> model = std::make_shared<ImageEditorModel>(picture(), store);
+    ImageEditorView view{model, {systemLog, scheduler}};
+
+    CanvasInteraction &interaction() { return view.interaction(); }
+    CanvasPointerInput &pointer() { return view.pointerInput(); }
+
+    // Where an image point is on the canvas, with the canvas as it is when no drag runs.
+    QPointF at(double x, double y) const
+    {
+        return viewportgeometry::convertToViewPoint({x, y}, view.viewport().baseCanvasImageRect(),
+                                                    view.viewport().zoomScale());
+    }
+
+    // A press, moves through each point, and a release at the last: all in view points.
+    void drag(const QList<QPointF> &path)
+    {
+        pointer().pointerPressed(path.first());
+        for (qsizetype i = 1; i < path.size(); ++i)
+            pointer().pointerMoved(path.at(i));
+        pointer().pointerReleased(path.last());
+    }
+    void click(QPointF point) { drag({point}); }
+
+    // A finished overlay, added the way a draw-mode drag adds it (one undo step).
+    Overlay add(EditorTool tool, QPointF start, QPointF end)
+    {
+        model->setSelectedTool(tool);
+        interaction().setDrawMode(true);
+        drag({at(start.x(), start.y()), at(end.x(), end.y())});
+        return model->overlays().last();
+    }
+
+    // An overlay put straight into the document, as drawn from `start` to `end`, without history.
+    Overlay place(EditorTool tool, QPointF start, QPointF end)
+    {
+        const Overlay overlay = model->makeOverlay(tool, start, end, Qt::red, QString());
+        model->appendOverlay(overlay);
+        return overlay;
+    }
+
+    void editMode()
+    {
+        interaction().setDrawMode(false);
+        scheduler.runUntilIdle();
+    }
+
+    qsizetype undoSteps() const { return model->undoStack().size(); }
+};
+

@@ -1,0 +1,331 @@
+#include "TestPrinters.h"
+#include "helpers/EditorViewFixture.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+Q_DECLARE_METATYPE(EditorTool)
+
+class CanvasEditingTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void pressNearAnUnselectedOverlay_data();
+    void pressNearAnUnselectedOverlay();
+    void moveIsScaledAndFlipped();
+    void oneUndoStepPerDragAndNoneForATap();
+    void tapSelectsAndFocusesTextBoxes();
+    void cornerSearchIsLoggedAndTheFirstNearCornerWins();
+    void cornerDragResizesAndFlips();
+    void freehandNeverResizes();
+    void topmostOverlayTakesThePress();
+    void handlesOfTheSelectedOverlayReachBeyondIt();
+    void overlayUndoneDuringTheDragIsLeftAlone();
+    void resize_data();
+    void resize();
+    void cornerNearAPoint_data();
+    void cornerNearAPoint();
+    void deleting();
+    void handles();
+    void drawModeTakesTheFocusAway();
+};
+
+void CanvasEditingTest::pressNearAnUnselectedOverlay_data()
+{
+    QTest::addColumn<EditorTool>("tool");
+    QTest::addColumn<bool>("moves");
+    QTest::newRow("rectangle edge, 8 outside") << EditorTool::Rectangle << true;
+    QTest::newRow("circle, 8 outside") << EditorTool::Circle << true;
+    QTest::newRow("arrow, outside its box") << EditorTool::Arrow << false;
+    QTest::newRow("text box, outside") << EditorTool::Text << false;
+    QTest::newRow("mosaic, outside") << EditorTool::Mosaic << false;
+}
+
+void CanvasEditingTest::pressNearAnUnselectedOverlay()
+{
+    QFETCH(EditorTool, tool);
+    QFETCH(bool, moves);
+    EditorViewFixture f;
+    const Overlay overlay = f.place(tool, {100, 100}, {300, 250});
+    f.editMode();
+    // 8 image points left of the left edge, more than 50 from every corner.
+    f.drag({f.at(92, 160), f.at(102, 150)});
+
+    const Overlay after = f.model->overlays().first();
+    QCOMPARE(after.startPoint, overlay.startPoint + (moves ? QPointF(10, -10) : QPointF()));
+    QCOMPARE(after.endPoint, overlay.endPoint + (moves ? QPointF(10, -10) : QPointF()));
+    QCOMPARE(f.interaction().selectedOverlayID(), moves ? std::optional(overlay.id) : std::nullopt);
+    QCOMPARE(f.undoSteps(), moves ? 1 : 0);
+}
+
+void CanvasEditingTest::moveIsScaledAndFlipped()
+{
+    EditorViewFixture f;
+    const Overlay overlay = f.add(EditorTool::Rectangle, {100, 100}, {300, 200});
+    f.editMode();
+    f.view.viewport().setZoomScale(2);
+    const QPointF press = f.at(200, 150);
+    // 100 view points right and down at zoom 2: 50 image points right, 50 down (y up).
+    f.drag({press, press + QPointF(30, 70), press + QPointF(100, 100)});
+    const Overlay moved = f.model->overlays().first();
+    QCOMPARE(moved.startPoint, QPointF(150, 50));
+    QCOMPARE(moved.endPoint, QPointF(350, 150));
+    QCOMPARE(moved.id, overlay.id);
+}
+
+void CanvasEditingTest::oneUndoStepPerDragAndNoneForATap()
+{
+    EditorViewFixture f;
+    f.add(EditorTool::Rectangle, {100, 100}, {300, 200});
+    f.editMode();
+    const QList<Overlay> drawn = f.model->overlays();
+    f.click(f.at(200, 150));
+    QCOMPARE(f.undoSteps(), 1);
+    f.drag({f.at(200, 150), f.at(210, 150), f.at(220, 150), f.at(230, 150)});
+    QCOMPARE(f.undoSteps(), 2);
+    QCOMPARE(f.model->undoStack().last(), drawn);
+    QVERIFY(!f.interaction().dragInitialOverlay());
+    QVERIFY(!f.interaction().hasPushedUndoForCurrentDrag());
+    QVERIFY(!f.view.viewport().interactionCanvasImageRect());
+    f.model->undoLastAction();
+    QCOMPARE(f.model->overlays(), drawn);
+}
+
+void CanvasEditingTest::tapSelectsAndFocusesTextBoxes()
+{
+    EditorViewFixture f;
+    const Overlay box = f.add(EditorTool::Text, {100, 100}, {100, 100});
+    const Overlay frame = f.add(EditorTool::Rectangle, {0, 0}, {50, 50});
+    f.editMode();
+    f.click(f.at(25, 25));
+    QCOMPARE(f.interaction().selectedOverlayID(), std::optional(frame.id));
+    f.scheduler.runUntilIdle();
+    QVERIFY(!f.interaction().focusedTextOverlayID());
+    f.click(f.at(200, 130));
+    QCOMPARE(f.interaction().selectedOverlayID(), std::optional(box.id));
+    f.scheduler.runUntilIdle();
+    QCOMPARE(f.interaction().focusedTextOverlayID(), std::optional(box.id));
+}
+
+void CanvasEditingTest::cornerSearchIsLoggedAndTheFirstNearCornerWins()
+{
+    EditorViewFixture f;
+    // 20 × 20 image points: from its centre every corner is within 50 view points.
+    f.add(EditorTool::Rectangle, {100, 100}, {120, 120});
+    f.editMode();
+    f.systemLog.clear();
+    f.drag({f.at(110, 110), f.at(100, 130)});
+
+    // On screen the box spans x 600…620 and y 680…700; the press is at (610, 690).
+    QCOMPARE(f.systemLog.messages(), (QStringList{
+        u"Vistrel: rect=(600.0,680.0,20.0,20.0), touch=(610.0,690.0)"_s,
+        u"Vistrel: corner 0 at (600.0,680.0) distance=14.1"_s,
+        u"Vistrel: dragStart foundCorner=0"_s,
+        u"Vistrel: resizing corner=0"_s,
+        u"Vistrel: resizeOverlay called corner=0 point=(100.0,130.0)"_s,
+    }));
+    // The top-left corner followed the pointer; the bottom-right stayed.
+    QCOMPARE(f.model->overlays().first().rect(), Rect(100, 100, 20, 30));
+
+    f.systemLog.clear();
+    f.drag({f.at(60, 60), f.at(61, 60)});
+    QCOMPARE(f.systemLog.messages().size(), 0); // nothing there
+    f.drag({f.at(115, 105), f.at(116, 105)});
+    QCOMPARE(f.systemLog.messages().at(2), u"Vistrel: dragStart (already selected) foundCorner=0"_s);
+}
+
+void CanvasEditingTest::cornerDragResizesAndFlips()
+{
+    EditorViewFixture f;
+    f.add(EditorTool::Rectangle, {100, 100}, {300, 200});
+    f.editMode();
+    // The bottom-left handle, dragged right past the right edge.
+    f.drag({f.at(100, 100), f.at(200, 100), f.at(400, 120)});
+    QCOMPARE(f.model->overlays().first().rect(), Rect(300, 120, 100, 80));
+    QCOMPARE(f.model->overlays().first().startPoint, QPointF(300, 120));
+    QCOMPARE(f.undoSteps(), 2);
+}
+
+void CanvasEditingTest::freehandNeverResizes()
+{
+    EditorViewFixture f;
+    f.model->setSelectedTool(EditorTool::Freehand);
+    f.drag({f.at(100, 100), f.at(150, 100), f.at(200, 150)});
+    f.editMode();
+    const Overlay stroke = f.model->overlays().first();
+    f.systemLog.clear();
+    f.drag({f.at(100, 100), f.at(110, 90)});
+    const Overlay moved = f.model->overlays().first();
+    QCOMPARE(moved.points, (QList<QPointF>{{110, 90}, {160, 90}, {210, 140}}));
+    QCOMPARE(moved.startPoint, stroke.startPoint + QPointF(10, -10));
+    QVERIFY(f.systemLog.messages().contains(u"Vistrel: dragStart foundCorner=0"_s));
+    QVERIFY(f.systemLog.messages().contains(u"Vistrel: moving (no corner detected)"_s));
+}
+
+void CanvasEditingTest::topmostOverlayTakesThePress()
+{
+    EditorViewFixture f;
+    const Overlay lower = f.add(EditorTool::Rectangle, {0, 0}, {200, 200});
+    const Overlay upper = f.add(EditorTool::Mosaic, {100, 100}, {300, 250});
+    f.editMode();
+    QCOMPARE(f.pointer().overlayAt(f.at(150, 150)), std::optional(upper.id));
+    QCOMPARE(f.pointer().overlayAt(f.at(50, 50)), std::optional(lower.id));
+    QCOMPARE(f.pointer().overlayAt(f.at(350, 280)), std::nullopt);
+    f.click(f.at(150, 150));
+    QCOMPARE(f.interaction().selectedOverlayID(), std::optional(upper.id));
+    // The selected overlay lies beneath another: the upper one still takes the press.
+    f.click(f.at(50, 50));
+    QCOMPARE(f.pointer().overlayAt(f.at(150, 150)), std::optional(upper.id));
+}
+
+void CanvasEditingTest::handlesOfTheSelectedOverlayReachBeyondIt()
+{
+    EditorViewFixture f;
+    const Overlay arrow = f.add(EditorTool::Arrow, {100, 100}, {200, 150});
+    f.editMode();
+    const QPointF outside = f.at(200, 150) + QPointF(5, -3);
+    QCOMPARE(f.pointer().overlayAt(outside), std::nullopt);
+    f.click(f.at(150, 120));
+    QCOMPARE(f.pointer().overlayAt(outside), std::optional(arrow.id));
+    // Dragging the handle moves the nearer end of the arrow.
+    f.drag({outside, outside + QPointF(20, 0)});
+    QCOMPARE(f.model->overlays().first().endPoint, QPointF(225, 153));
+    QCOMPARE(f.model->overlays().first().startPoint, QPointF(100, 100));
+}
+
+void CanvasEditingTest::overlayUndoneDuringTheDragIsLeftAlone()
+{
+    EditorViewFixture f;
+    f.add(EditorTool::Rectangle, {100, 100}, {300, 200});
+    f.editMode();
+    f.pointer().pointerPressed(f.at(200, 150));
+    f.pointer().pointerMoved(f.at(210, 150));
+    f.model->undoLastAction();
+    f.model->undoLastAction();
+    QVERIFY(f.model->overlays().isEmpty());
+    f.pointer().pointerMoved(f.at(220, 150));
+    f.pointer().pointerReleased(f.at(220, 150));
+    QVERIFY(f.model->overlays().isEmpty());
+    QCOMPARE(f.model->redoStack().size(), 2);
+}
+
+void CanvasEditingTest::resize_data()
+{
+    QTest::addColumn<EditorTool>("tool");
+    QTest::addColumn<int>("corner");
+    QTest::addColumn<QPointF>("point");
+    QTest::addColumn<QPointF>("start");
+    QTest::addColumn<QPointF>("end");
+    // The overlay was drawn from (50, 40) to (10, 20): not normalised.
+    QTest::newRow("top-left keeps bottom-right") << EditorTool::Rectangle << 0 << QPointF(0, 60) << QPointF(0, 20) << QPointF(50, 60);
+    QTest::newRow("top-right keeps bottom-left") << EditorTool::Circle << 1 << QPointF(70, 50) << QPointF(10, 20) << QPointF(70, 50);
+    QTest::newRow("bottom-right keeps top-left") << EditorTool::Mosaic << 2 << QPointF(70, 0) << QPointF(10, 0) << QPointF(70, 40);
+    QTest::newRow("bottom-left keeps top-right") << EditorTool::Text << 3 << QPointF(0, 0) << QPointF(0, 0) << QPointF(50, 40);
+    QTest::newRow("across the fixed corner") << EditorTool::Rectangle << 0 << QPointF(80, 0) << QPointF(50, 0) << QPointF(80, 20);
+    QTest::newRow("unknown corner keeps bottom-right") << EditorTool::Rectangle << 7 << QPointF(0, 60) << QPointF(0, 20) << QPointF(50, 60);
+    QTest::newRow("arrow end is nearer") << EditorTool::Arrow << 0 << QPointF(5, 25) << QPointF(50, 40) << QPointF(5, 25);
+    QTest::newRow("arrow start is nearer") << EditorTool::Arrow << 0 << QPointF(60, 45) << QPointF(60, 45) << QPointF(10, 20);
+    QTest::newRow("arrow tie moves the end") << EditorTool::Arrow << 0 << QPointF(30, 30) << QPointF(50, 40) << QPointF(30, 30);
+}
+
+void CanvasEditingTest::resize()
+{
+    QFETCH(EditorTool, tool);
+    QFETCH(int, corner);
+    QFETCH(QPointF, point);
+    QFETCH(QPointF, start);
+    QFETCH(QPointF, end);
+    EditorViewFixture f;
+    const Overlay overlay = f.place(tool, {50, 40}, {10, 20});
+    f.interaction().resizeOverlay(overlay, corner, point);
+    QCOMPARE(f.model->overlays().first().startPoint, start);
+    QCOMPARE(f.model->overlays().first().endPoint, end);
+    QCOMPARE(f.systemLog.messages(), QStringList{QString::asprintf("Vistrel: resizeOverlay called corner=%d point=(%.1f,%.1f)", corner, point.x(), point.y())});
+    QCOMPARE(f.undoSteps(), 0); // resizing alone records nothing
+}
+
+void CanvasEditingTest::cornerNearAPoint_data()
+{
+    QTest::addColumn<EditorTool>("tool");
+    QTest::addColumn<double>("zoom");
+    QTest::addColumn<QPointF>("point");
+    QTest::addColumn<std::optional<int>>("corner");
+    QTest::newRow("bottom-left in image axes") << EditorTool::Rectangle << 1.0 << QPointF(12, 22) << std::optional(0);
+    QTest::newRow("top-right, 30 away") << EditorTool::Circle << 1.0 << QPointF(80, 40) << std::optional(2);
+    QTest::newRow("31 away") << EditorTool::Circle << 1.0 << QPointF(81, 40) << std::optional<int>();
+    QTest::newRow("within 30 view points at zoom 2") << EditorTool::Text << 2.0 << QPointF(50, 55) << std::optional<int>(2);
+    QTest::newRow("not within 30 view points at zoom 2") << EditorTool::Text << 2.0 << QPointF(50, 56) << std::optional<int>();
+    QTest::newRow("never for arrows") << EditorTool::Arrow << 1.0 << QPointF(10, 20) << std::optional<int>();
+}
+
+void CanvasEditingTest::cornerNearAPoint()
+{
+    QFETCH(EditorTool, tool);
+    QFETCH(double, zoom);
+    QFETCH(QPointF, point);
+    QFETCH(std::optional<int>, corner);
+    EditorViewFixture f;
+    const Overlay overlay = f.place(tool, {10, 20}, {50, 40});
+    f.view.viewport().setZoomScale(zoom);
+    QCOMPARE(f.interaction().cornerIndexIfNear(overlay, point), corner);
+}
+
+void CanvasEditingTest::deleting()
+{
+    EditorViewFixture f;
+    const Overlay box = f.add(EditorTool::Text, {100, 100}, {100, 100});
+    f.scheduler.runUntilIdle();
+    QCOMPARE(f.interaction().focusedTextOverlayID(), std::optional(box.id));
+    f.interaction().setSelectedOverlayID(std::nullopt);
+    f.interaction().deleteSelectedOverlay();
+    QCOMPARE(f.undoSteps(), 1);
+    QCOMPARE(f.model->overlays().size(), 1);
+
+    f.interaction().setSelectedOverlayID(box.id);
+    f.interaction().deleteSelectedOverlay();
+    QVERIFY(f.model->overlays().isEmpty());
+    QCOMPARE(f.undoSteps(), 2);
+    QVERIFY(!f.interaction().selectedOverlayID());
+    QVERIFY(!f.interaction().focusedTextOverlayID());
+    f.model->undoLastAction();
+    QCOMPARE(f.model->overlays().first().id, box.id);
+}
+
+void CanvasEditingTest::handles()
+{
+    EditorViewFixture f;
+    const Overlay frame = f.add(EditorTool::Rectangle, {10, 20}, {50, 40});
+    QVERIFY(f.view.handles().isEmpty());
+    f.interaction().setSelectedOverlayID(frame.id);
+    QList<QPointF> centres;
+    for (const ImageEditorView::Handle &handle : f.view.handles()) {
+        centres.append(handle.center);
+        QCOMPARE(handle.diameter, 12.0);
+        QCOMPARE(handle.outlineWidth, 2.0);
+        QCOMPARE(handle.fill, QColor(Qt::white));
+    }
+    // Bottom-left, bottom-right, top-right, top-left on screen; the same size at any zoom.
+    QCOMPARE(centres, (QList<QPointF>{{510, 780}, {550, 780}, {550, 760}, {510, 760}}));
+    f.view.viewport().setZoomScale(2);
+    QCOMPARE(f.view.handles().first().diameter, 12.0);
+
+    f.model->setSelectedTool(EditorTool::Freehand);
+    f.drag({f.at(0, 0), f.at(10, 10)});
+    f.interaction().setSelectedOverlayID(f.model->overlays().last().id);
+    QVERIFY(f.view.handles().isEmpty());
+}
+
+void CanvasEditingTest::drawModeTakesTheFocusAway()
+{
+    EditorViewFixture f;
+    const Overlay box = f.add(EditorTool::Text, {100, 100}, {100, 100});
+    f.scheduler.runUntilIdle();
+    QCOMPARE(f.interaction().focusedTextOverlayID(), std::optional(box.id));
+    f.interaction().setDrawMode(true);
+    QVERIFY(!f.interaction().focusedTextOverlayID());
+}
+
+QTEST_MAIN(CanvasEditingTest)
+#include "tst_canvasediting.moc"

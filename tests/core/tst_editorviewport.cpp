@@ -1,0 +1,247 @@
+#include "FakeKeyValueStore.h"
+#include "FakeScheduler.h"
+#include "TestPrinters.h"
+
+#include "editor/EditorViewport.h"
+#include "editor/ImageEditorModel.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QImage picture(int width, int height)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    return image;
+}
+
+// A viewport over an image of the given size.
+struct ViewportFixture
+{
+    explicit ViewportFixture(QSize imageSize) : model(picture(imageSize.width(), imageSize.height()), store) {}
+
+    FakeKeyValueStore store;
+    FakeScheduler scheduler;
+    ImageEditorModel model;
+    EditorViewport viewport{model, scheduler};
+};
+
+} // namespace
+
+class EditorViewportTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void canvasGeometry_data();
+    void canvasGeometry();
+    void conversionsAreInverses_data();
+    void conversionsAreInverses();
+    void noZoomMapsEverythingToTheOrigin();
+    void frozenCanvasKeepsTheMappingDuringADrag();
+    void overlayRectInViewIsTopLeftOrigin();
+    void resetButtonState_data();
+    void resetButtonState();
+    void zoomControls();
+    void sliderSnapsToItsSteps_data();
+    void sliderSnapsToItsSteps();
+    void centeringIsAttemptedFourTimes();
+    void fifthCallEndsCentering();
+    void centeringAfterTheViewIsGoneDoesNothing();
+};
+
+void EditorViewportTest::canvasGeometry_data()
+{
+    QTest::addColumn<QSize>("imageSize");
+    QTest::addColumn<double>("zoom");
+    QTest::addColumn<QSizeF>("canvasSize");
+    QTest::addColumn<QRectF>("imageFrame");
+    QTest::newRow("100 x 50 at 1") << QSize(100, 50) << 1.0 << QSizeF(1100, 1050) << QRectF(500, 500, 100, 50);
+    QTest::newRow("100 x 50 at 0.5") << QSize(100, 50) << 0.5 << QSizeF(550, 525) << QRectF(250, 250, 50, 25);
+    QTest::newRow("1 x 1 keeps the padding") << QSize(1, 1) << 1.0 << QSizeF(1001, 1001) << QRectF(500, 500, 1, 1);
+    QTest::newRow("at least one view point") << QSize(100, 50) << 0.0 << QSizeF(1, 1) << QRectF(0, 0, 0, 0);
+    QTest::newRow("zoomed in") << QSize(300, 200) << 2.0 << QSizeF(2600, 2400) << QRectF(1000, 1000, 600, 400);
+}
+
+void EditorViewportTest::canvasGeometry()
+{
+    QFETCH(QSize, imageSize);
+    QFETCH(double, zoom);
+    QFETCH(QSizeF, canvasSize);
+    QFETCH(QRectF, imageFrame);
+    ViewportFixture f(imageSize);
+    f.viewport.setZoomScale(zoom);
+    QCOMPARE(f.viewport.zoomedCanvasSize(), canvasSize);
+    QCOMPARE(f.viewport.imageFrameInCanvas(), imageFrame);
+    QCOMPARE(f.viewport.fittedImageFrame(QSizeF(123, 456)), imageFrame);
+    QCOMPARE(f.viewport.imageCenterAnchor(), imageFrame.center());
+}
+
+void EditorViewportTest::conversionsAreInverses_data()
+{
+    QTest::addColumn<double>("zoom");
+    QTest::addColumn<QPointF>("viewPoint");
+    QTest::addColumn<QPointF>("imagePoint");
+    QTest::newRow("image top-left") << 1.0 << QPointF(500, 500) << QPointF(0, 50);
+    QTest::newRow("image bottom-left") << 1.0 << QPointF(500, 550) << QPointF(0, 0);
+    QTest::newRow("canvas origin") << 1.0 << QPointF(0, 0) << QPointF(-500, 550);
+    QTest::newRow("half zoom") << 0.5 << QPointF(275, 262.5) << QPointF(50, 25);
+    QTest::newRow("odd zoom") << 1.3 << QPointF(13, 1.3) << QPointF(-490, 549);
+    QTest::newRow("largest zoom") << 3.0 << QPointF(1650, 1575) << QPointF(50, 25);
+}
+
+void EditorViewportTest::conversionsAreInverses()
+{
+    QFETCH(double, zoom);
+    QFETCH(QPointF, viewPoint);
+    QFETCH(QPointF, imagePoint);
+    ViewportFixture f(QSize(100, 50));
+    f.viewport.setZoomScale(zoom);
+    QCOMPARE(f.viewport.convertToImagePoint(viewPoint), imagePoint);
+    QCOMPARE(f.viewport.convertToViewPoint(imagePoint), viewPoint);
+    QCOMPARE(f.viewport.convertToViewPoint(f.viewport.convertToImagePoint(viewPoint)), viewPoint);
+    QCOMPARE(f.viewport.imageToViewTransform().map(imagePoint), viewPoint);
+}
+
+void EditorViewportTest::noZoomMapsEverythingToTheOrigin()
+{
+    ViewportFixture f(QSize(100, 50));
+    for (double zoom : {0.0, -1.0}) {
+        f.viewport.setZoomScale(zoom);
+        QCOMPARE(f.viewport.convertToImagePoint(QPointF(700, 300)), QPointF(0, 0));
+    }
+}
+
+void EditorViewportTest::frozenCanvasKeepsTheMappingDuringADrag()
+{
+    ViewportFixture f(QSize(100, 50));
+    f.viewport.setInteractionCanvasImageRect(f.viewport.baseCanvasImageRect());
+    f.model.setImage(picture(400, 300));
+    f.viewport.setZoomScale(2);
+    // The origin is the frozen canvas's top-left; the scale is the current one.
+    QCOMPARE(f.viewport.convertToImagePoint(QPointF(1000, 1000)), QPointF(0, 50));
+    f.viewport.setInteractionCanvasImageRect(std::nullopt);
+    QCOMPARE(f.viewport.convertToImagePoint(QPointF(1000, 1000)), QPointF(0, 300));
+}
+
+void EditorViewportTest::overlayRectInViewIsTopLeftOrigin()
+{
+    ViewportFixture f(QSize(100, 50));
+    f.viewport.setZoomScale(2);
+    const Overlay overlay(EditorTool::Rectangle, {60, 40}, {10, 20}, Qt::red, QString(), Qt::cyan);
+    QCOMPARE(f.viewport.overlayRectInView(overlay), QRectF(1020, 1020, 100, 40));
+}
+
+void EditorViewportTest::resetButtonState_data()
+{
+    QTest::addColumn<double>("zoom");
+    QTest::addColumn<bool>("enabled");
+    QTest::newRow("exactly 1") << 1.0 << false;
+    QTest::newRow("1.0005 is still 100%") << 1.0005 << false;
+    QTest::newRow("0.9995 is still 100%") << 0.9995 << false;
+    QTest::newRow("1.1") << 1.1 << true;
+    QTest::newRow("a preset") << 0.5 << true;
+}
+
+void EditorViewportTest::resetButtonState()
+{
+    QFETCH(double, zoom);
+    QFETCH(bool, enabled);
+    ViewportFixture f(QSize(10, 10));
+    f.viewport.setZoomScale(zoom);
+    QCOMPARE(f.viewport.zoomControls().isResetEnabled, enabled);
+    f.viewport.resetZoom();
+    QCOMPARE(f.viewport.zoomScale(), 1.0);
+}
+
+void EditorViewportTest::zoomControls()
+{
+    ViewportFixture f(QSize(10, 10));
+    const EditorViewport::ZoomControls controls = f.viewport.zoomControls();
+    QCOMPARE(controls.heading, u"ズーム"_s);
+    QCOMPARE(controls.resetTitle, u"100%に戻す"_s);
+    QStringList titles;
+    QList<double> zooms;
+    for (const EditorViewport::ZoomButton &button : controls.presets) {
+        titles.append(button.title);
+        zooms.append(button.zoomScale);
+    }
+    QCOMPARE(titles, (QStringList{u"50%"_s, u"100%"_s, u"150%"_s, u"200%"_s}));
+    QCOMPARE(zooms, (QList<double>{0.5, 1.0, 1.5, 2.0}));
+    QCOMPARE(controls.sliderMinimum, 0.5);
+    QCOMPARE(controls.sliderMaximum, 3.0);
+    QCOMPARE(controls.sliderStep, 0.1);
+}
+
+void EditorViewportTest::sliderSnapsToItsSteps_data()
+{
+    QTest::addColumn<double>("value");
+    QTest::addColumn<double>("zoom");
+    QTest::newRow("a step") << 1.7 << 1.7;
+    QTest::newRow("between steps") << 1.74 << 1.7;
+    QTest::newRow("below the range") << 0.1 << 0.5;
+    QTest::newRow("above the range") << 7.0 << 3.0;
+}
+
+void EditorViewportTest::sliderSnapsToItsSteps()
+{
+    QFETCH(double, value);
+    QFETCH(double, zoom);
+    ViewportFixture f(QSize(10, 10));
+    f.viewport.setZoomFromSlider(value);
+    QCOMPARE(f.viewport.zoomScale(), zoom);
+}
+
+void EditorViewportTest::centeringIsAttemptedFourTimes()
+{
+    ViewportFixture f(QSize(100, 50));
+    QList<QPointF> scrolls;
+    const auto scroll = [&scrolls](QPointF anchor) { scrolls.append(anchor); };
+    // Each layout pass calls again once the previous scroll has happened.
+    for (int call = 1; call <= 4; ++call) {
+        QVERIFY(!f.viewport.hasCenteredInitialViewport());
+        f.viewport.performInitialCentering(scroll);
+        QCOMPARE(f.scheduler.requestedDelays().last(), call * 0.05);
+        f.scheduler.advance(call * 0.05 - 0.001);
+        QCOMPARE(scrolls.size(), call - 1);
+        f.scheduler.advance(0.001);
+        QCOMPARE(scrolls.size(), call);
+    }
+    QCOMPARE(scrolls, QList<QPointF>(4, QPointF(550, 525)));
+    QVERIFY(f.viewport.hasCenteredInitialViewport());
+
+    f.viewport.performInitialCentering(scroll);
+    QCOMPARE(f.scheduler.pendingMainTasks(), 0);
+}
+
+void EditorViewportTest::fifthCallEndsCentering()
+{
+    ViewportFixture f(QSize(100, 50));
+    int scrolls = 0;
+    for (int call = 0; call < 5; ++call)
+        f.viewport.performInitialCentering([&scrolls](QPointF) { ++scrolls; });
+    QVERIFY(f.viewport.hasCenteredInitialViewport());
+    QCOMPARE(f.viewport.initialCenteringAttempt(), 4);
+    f.scheduler.advance(1);
+    QCOMPARE(scrolls, 4);
+}
+
+void EditorViewportTest::centeringAfterTheViewIsGoneDoesNothing()
+{
+    FakeScheduler scheduler;
+    FakeKeyValueStore store;
+    ImageEditorModel model(picture(10, 10), store);
+    int scrolls = 0;
+    {
+        EditorViewport viewport(model, scheduler);
+        viewport.performInitialCentering([&scrolls](QPointF) { ++scrolls; });
+    }
+    scheduler.advance(1);
+    QCOMPARE(scrolls, 0);
+}
+
+QTEST_GUILESS_MAIN(EditorViewportTest)
+#include "tst_editorviewport.moc"
