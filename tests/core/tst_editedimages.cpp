@@ -1,6 +1,6 @@
 #include "helpers/EditorManagerFixture.h"
 
-#include "LibdeflatePngWriter.h"
+#include "FastPngWriter.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -101,7 +101,7 @@ void EditedImagesTest::clipboardStyleNames()
 
 void EditedImagesTest::savingBesideTheSourceOverwritesAndCopies()
 {
-    LibdeflatePngWriter writer;
+    FastPngWriter writer;
     EditorManagerFixture f(&writer);
     QTemporaryDir folder;
     writeFile(folder.filePath(u"a.b_edited.png"_s), "an older file");

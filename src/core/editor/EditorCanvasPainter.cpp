@@ -1,6 +1,6 @@
 #include "editor/EditorCanvasPainter.h"
 
-#include "editor/EditorRenderer.h"
+#include "editor/OverlayPainter.h"
 #include "editor/ImageEditorModel.h"
 #include "editor/ImageEditorView.h"
 
@@ -24,10 +24,10 @@ void paintCanvas(QPainter &painter, const ImageEditorView &view)
     for (Overlay overlay : view.model().overlays()) {
         if (overlay.type == EditorTool::Text)
             overlay.text.clear();
-        editorrender::drawOverlay(painter, overlay, image);
+        overlaypainter::drawOverlay(painter, overlay, image);
     }
     if (const std::optional<Overlay> &active = view.interaction().activeOverlay())
-        editorrender::drawOverlay(painter, *active, image);
+        overlaypainter::drawOverlay(painter, *active, image);
     painter.restore();
 
     for (const ImageEditorView::Handle &handle : view.handles()) {
