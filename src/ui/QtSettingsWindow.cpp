@@ -1,0 +1,112 @@
+#include "QtSettingsWindow.h"
+
+#include "KeyEquivalentFilter.h"
+#include "SettingsFormWidget.h"
+
+#include "app/SettingsForm.h"
+#include "app/SettingsFormTexts.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QVBoxLayout>
+
+namespace {
+
+// Between Qt's desktop (origin at the primary display's top-left, y down) and the global space of the
+// displays (origin at the primary display's bottom-left, y up).
+QRect primaryGeometry()
+{
+    const QScreen *primary = QGuiApplication::primaryScreen();
+    return primary ? primary->geometry() : QRect();
+}
+
+Rect toGlobal(const QRect &logical)
+{
+    const QRect primary = primaryGeometry();
+    const double bottom = primary.top() + primary.height();
+    return Rect(logical.x() - primary.left(), bottom - (logical.y() + logical.height()), logical.width(),
+                logical.height());
+}
+
+QRect fromGlobal(const Rect &global)
+{
+    const QRect primary = primaryGeometry();
+    const double bottom = primary.top() + primary.height();
+    return QRectF(global.minX() + primary.left(), bottom - global.maxY(), global.width(), global.height())
+        .toAlignedRect();
+}
+
+} // namespace
+
+QtSettingsWindow::QtSettingsWindow(const Dependencies &dependencies)
+    : m_form(std::make_unique<SettingsForm>(dependencies.settings, dependencies.folderChooser,
+                                            dependencies.loginCaption))
+{
+    // A plain widget: closing hides it, and it is not deleted on close.
+    m_widget = new QWidget;
+    m_widget->setWindowTitle(settingsform::windowTitle);
+    m_widget->setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint
+                             | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint);
+    m_widget->setAttribute(Qt::WA_QuitOnClose, false);
+    m_formWidget = new SettingsFormWidget(dependencies.settings, *m_form, dependencies.updater, dependencies.version,
+                                          m_widget);
+    auto *layout = new QVBoxLayout(m_widget);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_formWidget);
+    m_widget->setMinimumSize(minimumContentSize);
+    m_widget->resize(contentSize);
+    new KeyEquivalentFilter(m_widget, [widget = m_widget](const windowrules::KeyEquivalentEvent &event) {
+        if (!windowrules::isCloseWindowShortcut(event))
+            return false;
+        if (widget)
+            widget->close();
+        return true;
+    });
+}
+
+QtSettingsWindow::~QtSettingsWindow()
+{
+    delete m_widget;
+}
+
+bool QtSettingsWindow::isVisible() const
+{
+    return m_widget && m_widget->isVisible();
+}
+
+Rect QtSettingsWindow::frame() const
+{
+    return m_widget ? toGlobal(m_widget->frameGeometry()) : Rect();
+}
+
+std::optional<Rect> QtSettingsWindow::screenVisibleFrame() const
+{
+    const QScreen *screen = m_widget ? m_widget->screen() : nullptr;
+    if (!screen)
+        return std::nullopt;
+    return toGlobal(screen->availableGeometry());
+}
+
+void QtSettingsWindow::setFrame(const Rect &frame)
+{
+    if (!m_widget)
+        return;
+    // The frame includes the title bar and borders; Qt places and sizes the inside.
+    const QRect outer = fromGlobal(frame);
+    const QMargins decoration(m_widget->geometry().left() - m_widget->frameGeometry().left(),
+                              m_widget->geometry().top() - m_widget->frameGeometry().top(),
+                              m_widget->frameGeometry().right() - m_widget->geometry().right(),
+                              m_widget->frameGeometry().bottom() - m_widget->geometry().bottom());
+    const QRect inner = outer.marginsRemoved(decoration);
+    m_widget->resize(inner.size());
+    m_widget->move(outer.topLeft());
+}
+
+void QtSettingsWindow::makeKeyAndOrderFront()
+{
+    if (!m_widget)
+        return;
+    m_widget->showNormal();
+    m_widget->raise();
+    m_widget->activateWindow();
+}
