@@ -71,7 +71,8 @@ void EditorCanvasWidget::syncTextFocus()
         OverlayTextField *field = m_textFields.value(entry.overlayID);
         if (entry.isFocused && field && !field->hasFocus()) {
             field->setFocus(Qt::OtherFocusReason);
-            field->moveCursor(QTextCursor::End);
+            // All of it selected, as a text field that takes the focus has it: typing replaces it.
+            field->selectAll();
             return;
         }
     }
