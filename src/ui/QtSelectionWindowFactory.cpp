@@ -1,5 +1,6 @@
 #include "QtSelectionWindowFactory.h"
 
+#include "InputGrab.h"
 #include "QtSelectionWindow.h"
 #include "SelectionOverlayWidget.h"
 

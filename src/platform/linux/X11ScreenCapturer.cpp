@@ -47,7 +47,8 @@ X11ScreenCapturer::X11ScreenCapturer(xcb_connection_t *connection, const X11Disp
 void X11ScreenCapturer::shareableDisplays(ContentCompletion completion)
 {
     QList<ShareableDisplay> displays;
-    for (const DesktopScreen &screen : DesktopSpace::current().screens()) {
+    const DesktopSpace space = DesktopSpace::current();
+    for (const DesktopScreen &screen : space.screens()) {
         if (const std::optional<quint32> id = m_displays.displayID(screen.name))
             displays.append({*id, screen.native.width(), screen.native.height()});
     }
@@ -57,7 +58,8 @@ void X11ScreenCapturer::shareableDisplays(ContentCompletion completion)
 void X11ScreenCapturer::captureDisplay(quint32 displayID, const Rect &sourceRect, QSize outputSize,
                                        ImageCompletion completion)
 {
-    for (const DesktopScreen &screen : DesktopSpace::current().screens()) {
+    const DesktopSpace space = DesktopSpace::current();
+    for (const DesktopScreen &screen : space.screens()) {
         if (m_displays.displayID(screen.name) != displayID)
             continue;
         const QRect native = nativeSourceRect(screen, sourceRect);
