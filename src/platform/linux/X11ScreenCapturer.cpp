@@ -25,8 +25,10 @@ QRect nativeSourceRect(const DesktopScreen &screen, const Rect &sourceRect)
 
 } // namespace
 
-X11ScreenCapturer::X11ScreenCapturer(xcb_connection_t *connection, const X11DisplayProvider &displays)
-    : m_connection(connection), m_displays(displays), m_segments(connection)
+X11ScreenCapturer::X11ScreenCapturer(xcb_connection_t *connection, const X11DisplayProvider &displays,
+                                     Transfer transfer)
+    : m_connection(connection), m_displays(displays), m_useSharedMemory(transfer == Transfer::SharedMemoryIfAvailable),
+      m_segments(connection)
 {
     const xcb_setup_t *setup = xcb_get_setup(connection);
     const xcb_screen_t *screen = xcb_setup_roots_iterator(setup).data;
@@ -86,7 +88,7 @@ X11ScreenCapturer::Grab X11ScreenCapturer::grabRoot(const QRect &requested, bool
     if (native.isEmpty())
         return {{}, u"rectangle %1,%2 %3x%4 is outside the screen"_s.arg(requested.x()).arg(requested.y())
                         .arg(requested.width()).arg(requested.height())};
-    QImage image = m_segments.grab(m_root, native, QImage::Format_RGB32);
+    QImage image = m_useSharedMemory ? m_segments.grab(m_root, native, QImage::Format_RGB32) : QImage();
     if (!image.isNull() && !keepShared)
         image = image.copy();
     if (image.isNull())

@@ -18,7 +18,11 @@ class X11DisplayProvider;
 class X11ScreenCapturer final : public ScreenCapturer
 {
 public:
-    X11ScreenCapturer(xcb_connection_t *connection, const X11DisplayProvider &displays);
+    // GetImage only is what a server without MIT-SHM gets; asking for it serves comparisons.
+    enum class Transfer { SharedMemoryIfAvailable, GetImageOnly };
+
+    X11ScreenCapturer(xcb_connection_t *connection, const X11DisplayProvider &displays,
+                      Transfer transfer = Transfer::SharedMemoryIfAvailable);
 
     void shareableDisplays(ContentCompletion completion) override;
     void captureDisplay(quint32 displayID, const Rect &sourceRect, QSize outputSize,
@@ -33,7 +37,7 @@ public:
     };
     // `keepShared`: the image may keep reading the shared segment instead of owning its pixels.
     Grab grabRoot(const QRect &native, bool keepShared);
-    bool usesSharedMemory() const { return m_segments.isAvailable(); }
+    bool usesSharedMemory() const { return m_useSharedMemory && m_segments.isAvailable(); }
 
 private:
     QImage getImage(const QRect &native) const;
@@ -43,5 +47,6 @@ private:
     xcb_window_t m_root = 0;
     QSize m_rootSize;
     std::optional<QString> m_formatProblem;
+    bool m_useSharedMemory = true;
     X11ShmSegments m_segments;
 };
