@@ -5,6 +5,8 @@
 #include <QList>
 #include <QStringList>
 
+#include <utility>
+
 class FakePasteboard final : public Pasteboard
 {
 public:
@@ -25,7 +27,29 @@ public:
         return true;
     }
 
+    std::optional<QImage> readImage() const override { return image; }
+    QStringList availableTypes() const override
+    {
+        QStringList types;
+        for (const auto &[type, bytes] : data)
+            types.append(type);
+        return types;
+    }
+    std::optional<QByteArray> readData(const QString &mimeType) const override
+    {
+        ++dataReads;
+        for (const auto &[type, bytes] : data) {
+            if (type == mimeType)
+                return bytes;
+        }
+        return std::nullopt;
+    }
+
     QList<QImage> contents;
+    // What the clipboard offers to readers: an image the system decodes, and raw data by type.
+    std::optional<QImage> image;
+    QList<std::pair<QString, QByteArray>> data;
+    mutable int dataReads = 0;
     int writeCount = 0;
 
 private:

@@ -2,10 +2,10 @@
 
 #include "app/DiagnosticsLog.h"
 #include "capture/CaptureServices.h"
+#include "capture/ClipboardCopy.h"
 #include "capture/EditorHandOff.h"
 #include "capture/FileNaming.h"
 #include "platform/Clock.h"
-#include "platform/Pasteboard.h"
 #include "platform/PngWriter.h"
 #include "platform/Scheduler.h"
 #include "platform/SoundPlayer.h"
@@ -74,8 +74,7 @@ void CaptureSaver::playShutterSound()
 
 void CaptureSaver::copyImageToClipboard(const QImage &image)
 {
-    m_services.pasteboard.clearContents();
-    m_services.pasteboard.writeImage(image);
+    clipboardcopy::copyImageToClipboard(m_services.pasteboard, image);
 }
 
 CaptureSaver::SaveSettings CaptureSaver::currentSaveSettings() const

@@ -25,14 +25,19 @@ QString fileNameDate(const QDateTime &time)
     return fileNameDateLocale().toString(time.toLocalTime(), u"yyyy-MM-dd_HH-mm-ss"_s);
 }
 
-QString makeFileName(const QString &prefix, bool includeDate, const QDateTime &now)
+QString makeBaseName(const QString &prefix, bool includeDate, const QDateTime &now)
 {
     QString trimmed = prefix.trimmed();
     if (trimmed.isEmpty())
         trimmed = u"Vistrel"_s;
     if (!includeDate)
-        return trimmed % u".png"_s;
-    return trimmed % u'_' % fileNameDate(now) % u".png"_s;
+        return trimmed;
+    return trimmed % u'_' % fileNameDate(now);
+}
+
+QString makeFileName(const QString &prefix, bool includeDate, const QDateTime &now)
+{
+    return makeBaseName(prefix, includeDate, now) % u".png"_s;
 }
 
 QString resolvedFolderPath(const QString &path)

@@ -2,15 +2,18 @@
 
 #include <QString>
 
+class AlertPresenter;
 class ApplicationControl;
 class Clock;
 class Cursor;
 class DisplayProvider;
+class EditorWindowFactory;
 class HotKeyRegistrar;
 class KeyEventMonitor;
 class KeyValueStore;
 class LegacyPreferencesSource;
 class LoginItemService;
+class OpenPanel;
 class Pasteboard;
 class PngWriter;
 class Scheduler;
@@ -34,16 +37,19 @@ struct PlatformServices
 {
     QString diagnosticsLogFolder;
 
+    AlertPresenter *alerts = nullptr;
     ApplicationControl *application = nullptr;
     Clock *clock = nullptr;
     Cursor *cursor = nullptr;
     DisplayProvider *displays = nullptr;
+    EditorWindowFactory *editorWindows = nullptr;
     HotKeyRegistrar *hotKeys = nullptr;
     KeyEventMonitor *keyMonitor = nullptr;
     KeyValueStore *store = nullptr;
     // Null where there are no older installations to migrate from.
     const LegacyPreferencesSource *legacyPreferences = nullptr;
     LoginItemService *loginItem = nullptr;
+    OpenPanel *openPanel = nullptr;
     Pasteboard *pasteboard = nullptr;
     const PngWriter *pngWriter = nullptr;
     Scheduler *scheduler = nullptr;

@@ -1,0 +1,13 @@
+#include "capture/ClipboardCopy.h"
+
+#include "platform/Pasteboard.h"
+
+namespace clipboardcopy {
+
+void copyImageToClipboard(Pasteboard &pasteboard, const QImage &image)
+{
+    pasteboard.clearContents();
+    pasteboard.writeImage(image);
+}
+
+} // namespace clipboardcopy

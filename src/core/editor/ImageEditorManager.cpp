@@ -1,0 +1,276 @@
+#include "editor/ImageEditorManager.h"
+
+#include "app/AppDelegate.h"
+#include "app/CrashDiagnostics.h"
+#include "editor/EditorDropTargetView.h"
+#include "editor/ImageEditorModel.h"
+#include "editor/ImageEditorView.h"
+#include "platform/ApplicationControl.h"
+#include "platform/DisplayProvider.h"
+#include "platform/EditorWindowFactory.h"
+#include "platform/PlatformServices.h"
+#include "platform/Scheduler.h"
+#include "platform/SystemLog.h"
+#include "platform/UserNotifier.h"
+#include "settings/AppSettings.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+ImageEditorManager &ImageEditorManager::shared()
+{
+    const PlatformServices &p = PlatformServices::shared();
+    static ImageEditorManager instance(ImageEditorServices{
+        AppSettings::shared(), *p.store, CrashDiagnostics::shared(), *p.systemLog, *p.scheduler, *p.clock,
+        *p.displays, *p.application, *p.notifier, *p.pasteboard, *p.pngWriter, *p.editorWindows, *p.alerts,
+        *p.openPanel});
+    return instance;
+}
+
+ImageEditorManager::ImageEditorManager(const ImageEditorServices &services)
+    : m_services(services),
+      m_saver(services.settings, services.systemLog, services.clock, services.pngWriter, services.pasteboard),
+      m_sources(services.pasteboard, services.alerts, services.openPanel, services.diagnostics)
+{
+}
+
+ImageEditorManager::~ImageEditorManager() = default;
+
+QList<EditorWindow *> ImageEditorManager::detachedEditorWindows() const
+{
+    QList<EditorWindow *> windows;
+    for (const std::shared_ptr<EditorWindow> &window : m_detachedEditorWindows)
+        windows.append(window.get());
+    return windows;
+}
+
+void ImageEditorManager::prepareEditor(const QImage &image, const std::optional<QUrl> &sourceURL)
+{
+    m_model = std::make_shared<ImageEditorModel>(image, m_services.store);
+    m_sourceFileURL = sourceURL;
+}
+
+void ImageEditorManager::scheduleEditNotification(const QImage &image, const QUrl &sourceURL)
+{
+    prepareEditor(image, sourceURL);
+    const AppSettings &settings = m_services.settings;
+    if (!settings.openEditorViaNotification()) {
+        const bool openInNew = settings.keepExistingEditorWindowOnAutoOpen() && m_editorWindow;
+        m_services.scheduler.postToMain([this, openInNew] { showEditorWindow(openInNew); });
+        return;
+    }
+
+    UserNotifier::Request request;
+    request.identifier = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+    request.title = u"Vistrel: 編集できます"_s;
+    request.body = u"通知をクリックして編集画面を開きます。"_s;
+    request.categoryIdentifier = AppDelegate::editCategoryIdentifier;
+    request.playsDefaultSound = true;
+    request.triggerDelaySeconds = 0.8;
+    m_services.notifier.add(request, [this](std::optional<QString> error) {
+        // The notification centre answers on a thread of its own.
+        m_services.scheduler.postToMain([this, error] {
+            if (!error) {
+                m_services.systemLog.log(u"Vistrel: 通知スケジュール成功"_s);
+                return;
+            }
+            m_services.systemLog.log(u"Vistrel: 通知スケジュール失敗: "_s % *error);
+            // The user would never hear of the capture: open the editor instead.
+            openEditor(false);
+        });
+    });
+}
+
+void ImageEditorManager::openEditor(bool openInNewWindow)
+{
+    showEditorWindow(openInNewWindow);
+}
+
+void ImageEditorManager::openEditorLauncher()
+{
+    m_model.reset();
+    m_sourceFileURL.reset();
+    showEditorWindow(false);
+}
+
+void ImageEditorManager::showEditorWindow(bool openInNewWindow)
+{
+    if (openInNewWindow && m_model) {
+        openDetachedEditorWindow(m_model, m_sourceFileURL);
+        m_model.reset();
+        m_sourceFileURL.reset();
+        return;
+    }
+
+    const QSizeF contentSize = editorContentSize(m_model ? std::optional(imageSize(*m_model)) : std::nullopt);
+    const EditorRootView root = makePrimaryEditorRootView();
+    if (m_editorWindow) {
+        m_editorWindow->setContent(root);
+    } else {
+        std::shared_ptr<EditorWindow> window = makeWindow(contentSize);
+        window->setContent(root);
+        window->onQuitShortcut = [this] { closePrimaryEditor(); };
+        m_editorWindow = std::move(window);
+    }
+    m_editorWindow->setMinimumSize(minimumWindowSize);
+    m_editorWindow->setContentSize(contentSize);
+    m_editorWindow->center();
+    m_services.application.activate();
+    m_editorWindow->makeKeyAndOrderFront();
+}
+
+void ImageEditorManager::openDetachedEditorWindow(const std::shared_ptr<ImageEditorModel> &model,
+                                                  const std::optional<QUrl> &sourceURL)
+{
+    std::shared_ptr<EditorWindow> window = makeWindow(editorContentSize(imageSize(*model)));
+    const std::weak_ptr<EditorWindow> weakWindow = window;
+    const QUuid key = QUuid::createUuid();
+    auto close = [this, weakWindow] {
+        if (const std::shared_ptr<EditorWindow> target = weakWindow.lock())
+            closeDetachedEditorWindow(target.get());
+    };
+
+    std::shared_ptr<ImageEditorView> view = makeEditorView(model);
+    view->onSave = [this, sourceURL, close](const QImage &image) {
+        if (saveEditedImage(image, sourceURL))
+            close();
+    };
+    view->onCancel = close;
+    window->onQuitShortcut = close;
+    window->setContent(view);
+
+    m_detachedEditorWindows.insert(key, window);
+    m_detachedWindowCloseObservers.insert(key, window->addWillCloseObserver([this, key] {
+        m_detachedWindowCloseObservers.remove(key);
+        releaseLater(m_detachedEditorWindows.take(key));
+    }));
+    window->makeKeyAndOrderFront();
+    m_services.application.activate();
+}
+
+void ImageEditorManager::closeDetachedEditorWindow(EditorWindow *window)
+{
+    const auto found = std::find_if(m_detachedEditorWindows.cbegin(), m_detachedEditorWindows.cend(),
+                                    [window](const std::shared_ptr<EditorWindow> &w) { return w.get() == window; });
+    if (found == m_detachedEditorWindows.cend()) {
+        window->close();
+        return;
+    }
+    const QUuid key = found.key();
+    std::shared_ptr<EditorWindow> held = m_detachedEditorWindows.take(key);
+    held->removeWillCloseObserver(m_detachedWindowCloseObservers.take(key));
+    held->close();
+    releaseLater(std::move(held));
+}
+
+void ImageEditorManager::closePrimaryEditor()
+{
+    if (!m_editorWindow)
+        return;
+    std::shared_ptr<EditorWindow> window = std::move(m_editorWindow);
+    m_editorWindow.reset();
+    window->close();
+    releaseLater(std::move(window));
+}
+
+EditorRootView ImageEditorManager::makePrimaryEditorRootView()
+{
+    if (!m_model) {
+        auto dropTarget = std::make_shared<EditorDropTargetView>(m_services.scheduler);
+        dropTarget->onPickFile = [this] { openImagePanel(); };
+        dropTarget->onPasteImage = [this] { openImageFromClipboard(); };
+        dropTarget->onOpenURL = [this](const QUrl &url) { openImageFile(url); };
+        dropTarget->onCancel = [this] { closePrimaryEditor(); };
+        return dropTarget;
+    }
+    std::shared_ptr<ImageEditorView> view = makeEditorView(m_model);
+    view->onSave = [this](const QImage &image) {
+        // The source as it is now: a later capture opened in an extra window has cleared it, and the
+        // picture then goes to the capture folder under a capture-style name.
+        if (saveEditedImage(image, m_sourceFileURL))
+            closePrimaryEditor();
+    };
+    view->onCancel = [this] { closePrimaryEditor(); };
+    return view;
+}
+
+QSizeF ImageEditorManager::editorContentSize(std::optional<QSizeF> imageSize) const
+{
+    const std::optional<DisplayInfo> screen = m_services.displays.mainScreen();
+    const QSizeF visible = screen ? screen->visibleFrame.size() : QSizeF(1000, 1000);
+    if (!imageSize)
+        return {std::min(1000.0, visible.width()), std::min(1000.0, visible.height())};
+    return {std::min(std::max(1000.0, imageSize->width() + 500), visible.width()),
+            std::min(std::max(1000.0, imageSize->height() + 680), visible.height())};
+}
+
+bool ImageEditorManager::saveEditedImage(const QImage &image, const std::optional<QUrl> &sourceURL) const
+{
+    return m_saver.saveEditedImage(image, sourceURL);
+}
+
+std::optional<QUrl> ImageEditorManager::makeSaveDestinationURL(const std::optional<QUrl> &source) const
+{
+    return m_saver.makeSaveDestinationURL(source);
+}
+
+std::optional<QUrl> ImageEditorManager::makeClipboardCaptureStyleURL() const
+{
+    return m_saver.makeClipboardCaptureStyleURL();
+}
+
+QString ImageEditorManager::makeClipboardCaptureStyleFileName(const AppSettings &settings) const
+{
+    return m_saver.makeClipboardCaptureStyleFileName(settings);
+}
+
+void ImageEditorManager::openImagePanel()
+{
+    if (const std::optional<QUrl> url = m_sources.chooseImageFile())
+        openImageFile(*url);
+}
+
+void ImageEditorManager::openImageFile(const QUrl &url)
+{
+    const std::optional<QImage> image = m_sources.loadImageFile(url);
+    if (!image)
+        return;
+    prepareEditor(*image, url);
+    showEditorWindow(false);
+}
+
+void ImageEditorManager::openImageFromClipboard()
+{
+    const std::optional<QImage> image = m_sources.readClipboardImage();
+    if (!image)
+        return;
+    prepareEditor(*image, std::nullopt);
+    showEditorWindow(false);
+}
+
+std::shared_ptr<EditorWindow> ImageEditorManager::makeWindow(QSizeF contentSize)
+{
+    std::shared_ptr<EditorWindow> window =
+        m_services.windows.makeEditorWindow({windowTitle, contentSize, minimumWindowSize});
+    window->center();
+    window->setMinimumSize(minimumWindowSize);
+    return window;
+}
+
+std::shared_ptr<ImageEditorView> ImageEditorManager::makeEditorView(const std::shared_ptr<ImageEditorModel> &model)
+{
+    return std::make_shared<ImageEditorView>(model, ImageEditorView::Services{m_services.systemLog, m_services.scheduler});
+}
+
+void ImageEditorManager::releaseLater(std::shared_ptr<EditorWindow> window)
+{
+    if (window)
+        m_services.scheduler.postToMain([window] {});
+}
+
+QSizeF ImageEditorManager::imageSize(const ImageEditorModel &model)
+{
+    // The editor works in image pixels, whatever the picture's device pixel ratio.
+    return QSizeF(model.image().size());
+}

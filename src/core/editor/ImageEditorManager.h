@@ -1,0 +1,86 @@
+#pragma once
+
+#include "capture/EditorHandOff.h"
+#include "editor/EditedImageSaver.h"
+#include "editor/EditorCommands.h"
+#include "editor/EditorImageSources.h"
+#include "editor/ImageEditorServices.h"
+#include "platform/EditorWindow.h"
+
+#include <QHash>
+#include <QImage>
+#include <QSizeF>
+#include <QUrl>
+#include <QUuid>
+
+#include <memory>
+#include <optional>
+
+class AppSettings;
+class ImageEditorModel;
+
+// The one owner of the editor windows. It takes a picture (a fresh capture, a chosen file, the
+// clipboard), prepares its document, decides whether it opens at once or after the user clicks a
+// notification, and whether it replaces what the primary window shows or opens an extra window; and
+// it saves the edited result. Main thread only; notification replies are posted back to it.
+class ImageEditorManager final : public EditorCommands, public EditorHandOff
+{
+public:
+    static inline const QString windowTitle = QStringLiteral("Vistrel 編集");
+    static constexpr QSizeF minimumWindowSize{1000, 1000};
+
+    static ImageEditorManager &shared();
+
+    explicit ImageEditorManager(const ImageEditorServices &services);
+    ~ImageEditorManager() override;
+
+    ImageEditorManager(const ImageEditorManager &) = delete;
+    ImageEditorManager &operator=(const ImageEditorManager &) = delete;
+
+    EditorWindow *editorWindow() const { return m_editorWindow.get(); }
+    const std::shared_ptr<ImageEditorModel> &model() const { return m_model; }
+    const std::optional<QUrl> &sourceFileURL() const { return m_sourceFileURL; }
+    QList<EditorWindow *> detachedEditorWindows() const;
+
+    // A new document for the next showing; shows nothing.
+    void prepareEditor(const QImage &image, const std::optional<QUrl> &sourceURL);
+    void scheduleEditNotification(const QImage &image, const QUrl &sourceURL) override;
+    void openEditor(bool openInNewWindow) override;
+    void openEditorLauncher() override;
+
+    void showEditorWindow(bool openInNewWindow);
+    void openDetachedEditorWindow(const std::shared_ptr<ImageEditorModel> &model,
+                                  const std::optional<QUrl> &sourceURL);
+    void closeDetachedEditorWindow(EditorWindow *window);
+    void closePrimaryEditor();
+    EditorRootView makePrimaryEditorRootView();
+    // Room for the picture, the canvas margin and the tool bars, never beyond the visible screen.
+    QSizeF editorContentSize(std::optional<QSizeF> imageSize) const;
+
+    bool saveEditedImage(const QImage &image, const std::optional<QUrl> &sourceURL) const;
+    std::optional<QUrl> makeSaveDestinationURL(const std::optional<QUrl> &source) const;
+    static QUrl makeEditedURL(const QUrl &source) { return EditedImageSaver::makeEditedURL(source); }
+    std::optional<QUrl> makeClipboardCaptureStyleURL() const;
+    QString makeClipboardCaptureStyleFileName(const AppSettings &settings) const;
+
+    void openImagePanel();
+    void openImageFile(const QUrl &url);
+    void openImageFromClipboard();
+
+private:
+    std::shared_ptr<EditorWindow> makeWindow(QSizeF contentSize);
+    std::shared_ptr<ImageEditorView> makeEditorView(const std::shared_ptr<ImageEditorModel> &model);
+    // After the current event: the window may be what is calling us.
+    void releaseLater(std::shared_ptr<EditorWindow> window);
+    static QSizeF imageSize(const ImageEditorModel &model);
+
+    ImageEditorServices m_services;
+    EditedImageSaver m_saver;
+    EditorImageSources m_sources;
+
+    std::shared_ptr<EditorWindow> m_editorWindow;
+    std::shared_ptr<ImageEditorModel> m_model;
+    std::optional<QUrl> m_sourceFileURL;
+    QHash<QUuid, std::shared_ptr<EditorWindow>> m_detachedEditorWindows;
+    QHash<QUuid, EditorWindow::ObserverToken> m_detachedWindowCloseObservers;
+};

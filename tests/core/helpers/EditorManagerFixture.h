@@ -1,0 +1,76 @@
+#pragma once
+
+#include "FakeAlertPresenter.h"
+#include "FakeApplicationControl.h"
+#include "FakeClock.h"
+#include "FakeDiagnosticsLog.h"
+#include "FakeDisplayProvider.h"
+#include "FakeEditorWindowFactory.h"
+#include "FakeKeyValueStore.h"
+#include "FakeLoginItemService.h"
+#include "FakeOpenPanel.h"
+#include "FakePasteboard.h"
+#include "FakePngWriter.h"
+#include "FakeScheduler.h"
+#include "FakeSystemLog.h"
+#include "FakeUserNotifier.h"
+
+#include "app/NotificationCenter.h"
+#include "editor/EditorDropTargetView.h"
+#include "editor/ImageEditorManager.h"
+#include "editor/ImageEditorModel.h"
+#include "editor/ImageEditorView.h"
+#include "settings/AppSettings.h"
+
+#include <QTemporaryDir>
+
+// A window manager on fakes. The PNG writer is the one given (a recording fake unless a test needs
+// real files); the capture folder is a temporary folder.
+struct EditorManagerFixture
+{
+    explicit EditorManagerFixture(const PngWriter *writer = nullptr) : pngWriter(writer ? *writer : fakeWriter)
+    {
+        settings.setSaveFolderPath(captureFolder.path());
+    }
+    // Windows released after an event go while the factory that tracks them is still there.
+    ~EditorManagerFixture() { scheduler.runUntilIdle(); }
+
+    FakeKeyValueStore store;
+    FakeLoginItemService loginItem;
+    FakeSystemLog systemLog;
+    FakeDiagnosticsLog diagnostics;
+    NotificationCenter notifications;
+    AppSettings settings{store, loginItem, systemLog, notifications};
+    FakeScheduler scheduler;
+    FakeClock clock;
+    FakeDisplayProvider displays;
+    FakeApplicationControl application;
+    FakeUserNotifier notifier;
+    FakePasteboard pasteboard;
+    FakePngWriter fakeWriter;
+    const PngWriter &pngWriter;
+    FakeEditorWindowFactory windows;
+    FakeAlertPresenter alerts;
+    FakeOpenPanel openPanel;
+    QTemporaryDir captureFolder;
+    ImageEditorManager manager{ImageEditorServices{settings, store, diagnostics, systemLog, scheduler, clock, displays,
+                                                   application, notifier, pasteboard, pngWriter, windows, alerts,
+                                                   openPanel}};
+
+    static QImage picture(int width = 40, int height = 30, QColor color = Qt::darkCyan)
+    {
+        QImage image(width, height, QImage::Format_RGB32);
+        image.fill(color);
+        return image;
+    }
+
+    FakeEditorWindow *primary() const { return static_cast<FakeEditorWindow *>(manager.editorWindow()); }
+    FakeEditorWindow *lastWindow() const { return windows.windows.isEmpty() ? nullptr : windows.windows.last(); }
+
+    // The hand-off after a capture, run until what it posted has happened.
+    void handOff(const QImage &image, const QUrl &source)
+    {
+        manager.scheduleEditNotification(image, source);
+        scheduler.runUntilIdle();
+    }
+};

@@ -1,0 +1,342 @@
+#include "helpers/EditorManagerFixture.h"
+
+#include "LibdeflatePngWriter.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+Q_DECLARE_METATYPE(std::optional<PngWriter::Failure::Kind>)
+
+namespace {
+
+const QString noDirectoryMessage = u"Vistrel: 保存先がディレクトリではありません: "_s;
+const QPair<QString, QString> unreadableFileAlert{u"画像を開けませんでした"_s, u"対応している画像ファイルを選択してください。"_s};
+const QPair<QString, QString> emptyClipboardAlert{u"クリップボードに画像がありません"_s,
+                                                  u"画像をコピーしてから、もう一度貼り付けてください。"_s};
+
+QByteArray encoded(const QImage &image, const char *format)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, format);
+    return bytes;
+}
+
+void writeFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+} // namespace
+
+class EditedImagesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void editedNames_data();
+    void editedNames();
+    void clipboardStyleNames_data();
+    void clipboardStyleNames();
+    void savingBesideTheSourceOverwritesAndCopies();
+    void savingWithoutSourceCreatesTheCaptureFolder();
+    void saveFailures_data();
+    void saveFailures();
+    void primarySaveReadsTheSourceAtSaveTime();
+    void detachedSaveUsesItsOwnSource();
+    void openingFiles_data();
+    void openingFiles();
+    void pastingFromTheClipboard_data();
+    void pastingFromTheClipboard();
+    void openPanel();
+    void droppedFileOpensInThePrimaryWindow();
+};
+
+void EditedImagesTest::editedNames_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("png") << u"/shots/Shot.png"_s << u"/shots/Shot_edited.png"_s;
+    QTest::newRow("only the last extension goes") << u"/shots/a.b.png"_s << u"/shots/a.b_edited.png"_s;
+    QTest::newRow("another format becomes png") << u"/photos/IMG 0001.JPG"_s << u"/photos/IMG 0001_edited.png"_s;
+    QTest::newRow("no extension") << u"/shots/Shot"_s << u"/shots/Shot_edited.png"_s;
+    QTest::newRow("Japanese name") << u"/画像/画面_1.png"_s << u"/画像/画面_1_edited.png"_s;
+    QTest::newRow("hidden file keeps its name") << u"/shots/.png"_s << u"/shots/.png_edited.png"_s;
+}
+
+void EditedImagesTest::editedNames()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, expected);
+    QCOMPARE(ImageEditorManager::makeEditedURL(QUrl::fromLocalFile(source)), QUrl::fromLocalFile(expected));
+}
+
+void EditedImagesTest::clipboardStyleNames_data()
+{
+    QTest::addColumn<QString>("prefix");
+    QTest::addColumn<bool>("includeDate");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("default") << u"Vistrel"_s << true << u"Vistrel_2024-05-01_13-07-42_edited.png"_s;
+    QTest::newRow("blank prefix without date") << u"  "_s << false << u"Vistrel_edited.png"_s;
+    QTest::newRow("prefix trimmed of line breaks") << u"\nShot "_s << true << u"Shot_2024-05-01_13-07-42_edited.png"_s;
+}
+
+void EditedImagesTest::clipboardStyleNames()
+{
+    QFETCH(QString, prefix);
+    QFETCH(bool, includeDate);
+    QFETCH(QString, expected);
+    EditorManagerFixture f;
+    f.settings.setFilenamePrefix(prefix);
+    f.settings.setIncludeDate(includeDate);
+    QCOMPARE(f.manager.makeClipboardCaptureStyleFileName(f.settings), expected);
+}
+
+void EditedImagesTest::savingBesideTheSourceOverwritesAndCopies()
+{
+    LibdeflatePngWriter writer;
+    EditorManagerFixture f(&writer);
+    QTemporaryDir folder;
+    writeFile(folder.filePath(u"a.b_edited.png"_s), "an older file");
+    const QImage edited = EditorManagerFixture::picture(33, 21, QColor(200, 10, 90));
+
+    QVERIFY(f.manager.saveEditedImage(edited, QUrl::fromLocalFile(folder.filePath(u"a.b.png"_s))));
+    const QImage written(folder.filePath(u"a.b_edited.png"_s));
+    QCOMPARE(written.convertToFormat(QImage::Format_RGB32), edited);
+    QCOMPARE(f.pasteboard.contents, QList<QImage>{edited});
+    QVERIFY(f.systemLog.messages().isEmpty());
+}
+
+void EditedImagesTest::savingWithoutSourceCreatesTheCaptureFolder()
+{
+    EditorManagerFixture f;
+    const QString folder = f.captureFolder.filePath(u"new/deeper"_s);
+    f.settings.setSaveFolderPath(folder);
+    f.settings.setIncludeDate(false);
+    QVERIFY(f.manager.saveEditedImage(EditorManagerFixture::picture(), std::nullopt));
+    QCOMPARE(f.fakeWriter.paths, QStringList{folder + u"/Vistrel_edited.png"_s});
+    QVERIFY(QFileInfo(folder).isDir());
+}
+
+void EditedImagesTest::saveFailures_data()
+{
+    QTest::addColumn<QString>("source"); // relative to the capture folder; empty for a clipboard image
+    QTest::addColumn<QString>("saveFolder"); // relative to the capture folder
+    QTest::addColumn<bool>("nullImage");
+    QTest::addColumn<std::optional<PngWriter::Failure::Kind>>("writerFailure");
+    QTest::addColumn<QString>("message"); // %1 is the capture folder
+    using Kind = PngWriter::Failure::Kind;
+    const std::optional<Kind> writes;
+    QTest::newRow("capture folder is a file") << QString() << u"file.txt"_s << false << writes
+                                              << noDirectoryMessage + u"%1/file.txt"_s;
+    QTest::newRow("source folder cannot be made") << u"file.txt/sub/a.png"_s << QString() << false << writes
+                                                  << u"Vistrel: 編集画像の保存に失敗しました: Not a directory"_s;
+    QTest::newRow("no pixels") << u"a.png"_s << QString() << true << writes
+                               << u"Vistrel: 編集画像のCGImage変換に失敗しました。"_s;
+    QTest::newRow("destination cannot be created")
+        << u"a.png"_s << QString() << false << std::optional(Kind::CannotCreateDestination)
+        << u"Vistrel: 編集画像の書き込み先生成に失敗しました。"_s;
+    QTest::newRow("writing fails") << u"a.png"_s << QString() << false << std::optional(Kind::CannotWrite)
+                                   << u"Vistrel: 編集画像PNGの書き込みに失敗しました。"_s;
+}
+
+void EditedImagesTest::saveFailures()
+{
+    QFETCH(QString, source);
+    QFETCH(QString, saveFolder);
+    QFETCH(bool, nullImage);
+    QFETCH(std::optional<PngWriter::Failure::Kind>, writerFailure);
+    QFETCH(QString, message);
+    EditorManagerFixture f;
+    const QDir base(f.captureFolder.path());
+    writeFile(base.filePath(u"file.txt"_s), "not a folder");
+    if (!saveFolder.isEmpty())
+        f.settings.setSaveFolderPath(base.filePath(saveFolder));
+    if (writerFailure)
+        f.fakeWriter.failure = PngWriter::Failure{*writerFailure, u"refused"_s};
+    const std::optional<QUrl> sourceURL =
+        source.isEmpty() ? std::nullopt : std::optional(QUrl::fromLocalFile(base.filePath(source)));
+
+    // Through the editor's own save action, so that the window is seen to stay open.
+    f.manager.openDetachedEditorWindow(std::make_shared<ImageEditorModel>(QImage(), f.store), sourceURL);
+    FakeEditorWindow *window = f.lastWindow();
+    if (nullImage) {
+        window->contentAs<ImageEditorView>()->onSave(QImage());
+    } else {
+        window->contentAs<ImageEditorView>()->model().setImage(EditorManagerFixture::picture());
+        window->contentAs<ImageEditorView>()->save();
+    }
+
+    QCOMPARE(f.systemLog.messages(), QStringList{message.replace(u"%1"_s, f.captureFolder.path())});
+    QCOMPARE(window->closeCount, 0);
+    QCOMPARE(f.manager.detachedEditorWindows().size(), 1);
+    QVERIFY(f.pasteboard.contents.isEmpty());
+}
+
+void EditedImagesTest::primarySaveReadsTheSourceAtSaveTime()
+{
+    EditorManagerFixture f;
+    f.settings.setOpenEditorViaNotification(false);
+    f.settings.setKeepExistingEditorWindowOnAutoOpen(true);
+    f.settings.setIncludeDate(false);
+    QTemporaryDir shots;
+    f.handOff(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"A.png"_s)));
+    const std::shared_ptr<ImageEditorView> primary = f.primary()->contentAs<ImageEditorView>();
+    // A second capture in an extra window clears the prepared source.
+    f.handOff(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"B.png"_s)));
+
+    primary->save();
+    QCOMPARE(f.fakeWriter.paths, QStringList{f.captureFolder.filePath(u"Vistrel_edited.png"_s)});
+    QVERIFY(!f.manager.editorWindow());
+}
+
+void EditedImagesTest::detachedSaveUsesItsOwnSource()
+{
+    EditorManagerFixture f;
+    QTemporaryDir shots;
+    const QUrl source = QUrl::fromLocalFile(shots.filePath(u"B.png"_s));
+    f.manager.openDetachedEditorWindow(std::make_shared<ImageEditorModel>(EditorManagerFixture::picture(), f.store),
+                                       source);
+    FakeEditorWindow *window = f.lastWindow();
+    f.manager.prepareEditor(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"C.png"_s)));
+
+    window->contentAs<ImageEditorView>()->save();
+    QCOMPARE(f.fakeWriter.paths, QStringList{shots.filePath(u"B_edited.png"_s)});
+    QCOMPARE(window->closeCount, 1);
+    QVERIFY(f.manager.detachedEditorWindows().isEmpty());
+}
+
+void EditedImagesTest::openingFiles_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    QTest::addColumn<bool>("opens");
+    const QByteArray png = encoded(EditorManagerFixture::picture(50, 20), "PNG");
+    QTest::newRow("PNG named .png") << png << true;
+    QTest::newRow("JPEG") << encoded(EditorManagerFixture::picture(50, 20), "JPEG") << true;
+    QTest::newRow("zero bytes") << QByteArray() << false;
+    QTest::newRow("truncated PNG") << png.left(png.size() / 2) << false;
+    QTest::newRow("corrupt PNG") << QByteArray(png).replace(40, 30, QByteArray(30, '\xff')) << false;
+    QTest::newRow("text") << QByteArray("just some words\n") << false;
+}
+
+void EditedImagesTest::openingFiles()
+{
+    QFETCH(QByteArray, contents);
+    QFETCH(bool, opens);
+    EditorManagerFixture f;
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"picture.png"_s);
+    writeFile(path, contents);
+    const QUrl url = QUrl::fromLocalFile(path);
+
+    f.manager.openImageFile(url);
+    if (opens) {
+        QVERIFY(f.alerts.alerts.isEmpty());
+        QCOMPARE(f.manager.sourceFileURL(), std::optional(url));
+        QCOMPARE(f.primary()->contentAs<ImageEditorView>()->model().image().size(), QSize(50, 20));
+    } else {
+        QCOMPARE(f.alerts.alerts, QList{unreadableFileAlert});
+        QVERIFY(!f.manager.model());
+        QVERIFY(f.windows.windows.isEmpty());
+        QCOMPARE(f.diagnostics.lines().size(), 1);
+        QVERIFY(f.diagnostics.lines().first().startsWith(u"openImageFile failed url=file://"_s + path));
+    }
+}
+
+void EditedImagesTest::pastingFromTheClipboard_data()
+{
+    QTest::addColumn<bool>("systemImage");
+    QTest::addColumn<QStringList>("types");
+    QTest::addColumn<QList<QByteArray>>("data");
+    QTest::addColumn<QColor>("expected"); // invalid: the alert
+    const QImage red = EditorManagerFixture::picture(8, 8, Qt::red);
+    const QImage blue = EditorManagerFixture::picture(8, 8, Qt::blue);
+    QTest::newRow("the system's image") << true << QStringList() << QList<QByteArray>() << QColor(Qt::green);
+    QTest::newRow("raw PNG data") << false << QStringList{u"image/png"_s} << QList{encoded(red, "PNG")}
+                                  << QColor(Qt::red);
+    QTest::newRow("PNG is preferred to what is offered first")
+        << false << QStringList{u"image/bmp"_s, u"image/png"_s} << QList{encoded(blue, "BMP"), encoded(red, "PNG")}
+        << QColor(Qt::red);
+    QTest::newRow("undecodable data falls to the next type")
+        << false << QStringList{u"image/png"_s, u"image/bmp"_s} << QList{QByteArray("broken"), encoded(blue, "BMP")}
+        << QColor(Qt::blue);
+    QTest::newRow("text only") << false << QStringList{u"text/plain"_s} << QList{QByteArray("hello")} << QColor();
+    QTest::newRow("empty clipboard") << false << QStringList() << QList<QByteArray>() << QColor();
+    QTest::newRow("corrupt image data") << false << QStringList{u"image/png"_s} << QList{QByteArray(64, 'x')}
+                                        << QColor();
+}
+
+void EditedImagesTest::pastingFromTheClipboard()
+{
+    QFETCH(bool, systemImage);
+    QFETCH(QStringList, types);
+    QFETCH(QList<QByteArray>, data);
+    QFETCH(QColor, expected);
+    EditorManagerFixture f;
+    if (systemImage)
+        f.pasteboard.image = EditorManagerFixture::picture(8, 8, Qt::green);
+    for (qsizetype i = 0; i < types.size(); ++i)
+        f.pasteboard.data.append({types.at(i), data.at(i)});
+    f.manager.prepareEditor(EditorManagerFixture::picture(), QUrl::fromLocalFile(u"/shots/A.png"_s));
+
+    f.manager.openImageFromClipboard();
+    if (!expected.isValid()) {
+        QCOMPARE(f.alerts.alerts, QList{emptyClipboardAlert});
+        QVERIFY(f.windows.windows.isEmpty());
+        return;
+    }
+    QVERIFY(f.alerts.alerts.isEmpty());
+    QVERIFY(!f.manager.sourceFileURL());
+    const QImage shown = f.primary()->contentAs<ImageEditorView>()->model().image();
+    QCOMPARE(shown.pixelColor(3, 3), expected);
+}
+
+void EditedImagesTest::openPanel()
+{
+    EditorManagerFixture f;
+    f.manager.openImagePanel();
+    QCOMPARE(f.openPanel.requests.size(), 1);
+    const OpenPanel::Request request = f.openPanel.requests.first();
+    QCOMPARE(request.prompt, u"開く"_s);
+    QVERIFY(!request.allowsMultipleSelection);
+    QVERIFY(!request.canChooseDirectories);
+    QVERIFY(request.canChooseFiles);
+    QVERIFY(request.allowedContentTypes.contains(u"image/png"_s));
+    QVERIFY(request.allowedContentTypes.contains(u"image/jpeg"_s));
+    QVERIFY(f.windows.windows.isEmpty()); // cancelled
+
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"chosen.png"_s);
+    writeFile(path, encoded(EditorManagerFixture::picture(12, 34), "PNG"));
+    f.openPanel.chosen = QUrl::fromLocalFile(path);
+    f.manager.openImagePanel();
+    QCOMPARE(f.manager.sourceFileURL(), f.openPanel.chosen);
+    QCOMPARE(f.primary()->contentAs<ImageEditorView>()->model().image().size(), QSize(12, 34));
+}
+
+void EditedImagesTest::droppedFileOpensInThePrimaryWindow()
+{
+    EditorManagerFixture f;
+    QTemporaryDir folder;
+    const QString path = folder.filePath(u"dropped.png"_s);
+    writeFile(path, encoded(EditorManagerFixture::picture(7, 9), "PNG"));
+    f.manager.openEditorLauncher();
+    FakeEditorWindow *window = f.primary();
+
+    QVERIFY(window->contentAs<EditorDropTargetView>()->performDrop({{QUrl::fromLocalFile(path)}}));
+    QVERIFY(window->contentAs<EditorDropTargetView>()); // opened after the drop has finished
+    f.scheduler.runUntilIdle();
+    QCOMPARE(f.primary(), window);
+    QCOMPARE(window->contentAs<ImageEditorView>()->model().image().size(), QSize(7, 9));
+    QCOMPARE(f.manager.sourceFileURL(), std::optional(QUrl::fromLocalFile(path)));
+}
+
+QTEST_MAIN(EditedImagesTest)
+#include "tst_editedimages.moc"

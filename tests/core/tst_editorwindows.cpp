@@ -1,0 +1,302 @@
+#include "helpers/EditorManagerFixture.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+Q_DECLARE_METATYPE(std::optional<QSizeF>)
+Q_DECLARE_METATYPE(windowrules::KeyEquivalentEvent)
+
+namespace {
+
+const QUrl shotA = QUrl::fromLocalFile(u"/captures/A.png"_s);
+const QUrl shotB = QUrl::fromLocalFile(u"/captures/B.png"_s);
+
+windowrules::KeyEquivalentEvent key(const QString &characters, bool command, bool isKeyDown = true)
+{
+    return {isKeyDown, command, characters};
+}
+
+} // namespace
+
+class EditorWindowsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void notificationCarriesTheEditInvitation();
+    void scheduledNotificationIsLogged();
+    void failedNotificationOpensTheEditorDirectly();
+    void directOpening_data();
+    void directOpening();
+    void clickedNotificationShowsThePreparedDocument();
+    void launcherShowsTheDropTarget();
+    void contentSize_data();
+    void contentSize();
+    void quitShortcutClosesTheWindowItIsPressedIn_data();
+    void quitShortcutClosesTheWindowItIsPressedIn();
+    void detachedWindowsAreForgottenWhenTheyClose();
+    void closingADetachedWindowStopsObservingIt();
+    void primaryWindowIsMadeAgainAfterClosing();
+    void cancelClosesTheWindow();
+};
+
+void EditorWindowsTest::notificationCarriesTheEditInvitation()
+{
+    EditorManagerFixture f;
+    f.handOff(EditorManagerFixture::picture(), shotA);
+    f.handOff(EditorManagerFixture::picture(), shotB);
+
+    QCOMPARE(f.notifier.requests.size(), 2);
+    const UserNotifier::Request request = f.notifier.requests.first();
+    QCOMPARE(request.title, u"Vistrel: 編集できます"_s);
+    QCOMPARE(request.body, u"通知をクリックして編集画面を開きます。"_s);
+    QCOMPARE(request.categoryIdentifier, u"VistrelEditCategory"_s);
+    QVERIFY(request.playsDefaultSound);
+    QCOMPARE(request.triggerDelaySeconds, 0.8);
+    const QRegularExpression uuid(u"^[0-9A-F]{8}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{12}$"_s);
+    QVERIFY2(uuid.match(request.identifier).hasMatch(), qPrintable(request.identifier));
+    QVERIFY(request.identifier != f.notifier.requests.last().identifier);
+    // The document waits for the click; nothing is shown yet.
+    QVERIFY(f.windows.windows.isEmpty());
+    QCOMPARE(f.manager.sourceFileURL(), std::optional(shotB));
+}
+
+void EditorWindowsTest::scheduledNotificationIsLogged()
+{
+    EditorManagerFixture f;
+    f.handOff(EditorManagerFixture::picture(), shotA);
+    f.notifier.pendingAdds.first()(std::nullopt);
+    QVERIFY(f.systemLog.messages().isEmpty()); // posted back to the main thread first
+    f.scheduler.runUntilIdle();
+    QCOMPARE(f.systemLog.messages(), QStringList{u"Vistrel: 通知スケジュール成功"_s});
+    QVERIFY(f.windows.windows.isEmpty());
+}
+
+void EditorWindowsTest::failedNotificationOpensTheEditorDirectly()
+{
+    EditorManagerFixture f;
+    const QImage image = EditorManagerFixture::picture(64, 48);
+    f.handOff(image, shotA);
+    f.notifier.pendingAdds.first()(u"Notifications are not allowed"_s);
+    f.scheduler.runUntilIdle();
+
+    QCOMPARE(f.systemLog.messages(),
+             QStringList{u"Vistrel: 通知スケジュール失敗: Notifications are not allowed"_s});
+    QVERIFY(f.primary());
+    QVERIFY(f.primary()->isVisible);
+    const std::shared_ptr<ImageEditorView> view = f.primary()->contentAs<ImageEditorView>();
+    QVERIFY(view);
+    QCOMPARE(view->model().image(), image);
+}
+
+void EditorWindowsTest::directOpening_data()
+{
+    QTest::addColumn<bool>("keepExisting");
+    QTest::addColumn<bool>("primaryOpen");
+    QTest::addColumn<bool>("expectDetached");
+    QTest::newRow("first capture opens the primary window") << false << false << false;
+    QTest::newRow("next capture replaces what the primary window shows") << false << true << false;
+    QTest::newRow("keeping windows with none open uses the primary window") << true << false << false;
+    QTest::newRow("keeping windows opens an extra window") << true << true << true;
+}
+
+void EditorWindowsTest::directOpening()
+{
+    QFETCH(bool, keepExisting);
+    QFETCH(bool, primaryOpen);
+    QFETCH(bool, expectDetached);
+    EditorManagerFixture f;
+    f.settings.setOpenEditorViaNotification(false);
+    f.settings.setKeepExistingEditorWindowOnAutoOpen(keepExisting);
+    if (primaryOpen)
+        f.handOff(EditorManagerFixture::picture(10, 10, Qt::red), shotA);
+    const std::shared_ptr<ImageEditorModel> firstModel = f.manager.model();
+
+    const QImage second = EditorManagerFixture::picture(20, 20, Qt::blue);
+    f.manager.scheduleEditNotification(second, shotB);
+    const qsizetype windowsBefore = f.windows.windows.size();
+    QCOMPARE(f.manager.detachedEditorWindows().size(), 0); // shown only after the current event
+    f.scheduler.runUntilIdle();
+
+    QVERIFY(f.notifier.requests.isEmpty());
+    QVERIFY(f.primary());
+    if (expectDetached) {
+        QCOMPARE(f.manager.detachedEditorWindows().size(), 1);
+        FakeEditorWindow *extra = f.lastWindow();
+        QCOMPARE(extra->contentAs<ImageEditorView>()->model().image(), second);
+        QVERIFY(extra->isVisible);
+        // The primary window keeps its document; the prepared one went to the extra window.
+        QCOMPARE(f.primary()->contentChanges, 1);
+        QCOMPARE(f.primary()->contentAs<ImageEditorView>()->sharedModel(), firstModel);
+        QVERIFY(!f.manager.model());
+        QVERIFY(!f.manager.sourceFileURL());
+    } else {
+        QCOMPARE(f.windows.windows.size(), qsizetype(1));
+        QCOMPARE(windowsBefore, qsizetype(primaryOpen ? 1 : 0));
+        QCOMPARE(f.primary()->contentAs<ImageEditorView>()->model().image(), second);
+        QCOMPARE(f.manager.sourceFileURL(), std::optional(shotB));
+        QCOMPARE(f.manager.detachedEditorWindows().size(), 0);
+    }
+}
+
+void EditorWindowsTest::clickedNotificationShowsThePreparedDocument()
+{
+    EditorManagerFixture f;
+    f.displays.main = FakeDisplayProvider::display(1, Rect(0, 0, 1440, 900));
+    f.displays.main->visibleFrame = Rect(0, 0, 1440, 875);
+    f.handOff(EditorManagerFixture::picture(200, 100), shotA);
+    f.manager.openEditor(false);
+
+    FakeEditorWindow *window = f.primary();
+    QVERIFY(window);
+    QCOMPARE(window->configuration.title, u"Vistrel 編集"_s);
+    QCOMPARE(window->minimumSize, QSizeF(1000, 1000));
+    QCOMPARE(window->contentSize, QSizeF(1000, 875));
+    QVERIFY(window->centerCount >= 1);
+    QVERIFY(window->isVisible);
+    QCOMPARE(f.application.activateCount, 1);
+    QVERIFY(window->contentAs<ImageEditorView>());
+}
+
+void EditorWindowsTest::launcherShowsTheDropTarget()
+{
+    EditorManagerFixture f;
+    f.handOff(EditorManagerFixture::picture(), shotA);
+    f.manager.openEditorLauncher();
+
+    QVERIFY(!f.manager.model());
+    QVERIFY(!f.manager.sourceFileURL());
+    QVERIFY(f.primary()->contentAs<EditorDropTargetView>());
+    QCOMPARE(f.primary()->contentSize, QSizeF(1000, 1000)); // no main screen
+}
+
+void EditorWindowsTest::contentSize_data()
+{
+    QTest::addColumn<std::optional<QSizeF>>("visibleSize");
+    QTest::addColumn<std::optional<QSizeF>>("imageSize");
+    QTest::addColumn<QSizeF>("expected");
+    const std::optional<QSizeF> laptop = QSizeF(1440, 875);
+    QTest::newRow("small image keeps the minimum width") << laptop << std::optional(QSizeF(200, 100)) << QSizeF(1000, 875);
+    QTest::newRow("large image is held to the screen") << laptop << std::optional(QSizeF(3000, 2000)) << QSizeF(1440, 875);
+    QTest::newRow("room for the margin and the bars")
+        << std::optional(QSizeF(2560, 1415)) << std::optional(QSizeF(700, 400)) << QSizeF(1200, 1080);
+    QTest::newRow("no screen and no image") << std::optional<QSizeF>() << std::optional<QSizeF>() << QSizeF(1000, 1000);
+    QTest::newRow("no image on a small screen") << std::optional(QSizeF(800, 600)) << std::optional<QSizeF>() << QSizeF(800, 600);
+    QTest::newRow("no screen with an image") << std::optional<QSizeF>() << std::optional(QSizeF(900, 900)) << QSizeF(1000, 1000);
+}
+
+void EditorWindowsTest::contentSize()
+{
+    QFETCH(std::optional<QSizeF>, visibleSize);
+    QFETCH(std::optional<QSizeF>, imageSize);
+    QFETCH(QSizeF, expected);
+    EditorManagerFixture f;
+    if (visibleSize) {
+        DisplayInfo screen = FakeDisplayProvider::display(1, Rect(0, 0, visibleSize->width(), visibleSize->height() + 25));
+        screen.visibleFrame = Rect(0, 0, visibleSize->width(), visibleSize->height());
+        f.displays.main = screen;
+    }
+    QCOMPARE(f.manager.editorContentSize(imageSize), expected);
+}
+
+void EditorWindowsTest::quitShortcutClosesTheWindowItIsPressedIn_data()
+{
+    QTest::addColumn<windowrules::KeyEquivalentEvent>("event");
+    QTest::addColumn<bool>("closes");
+    QTest::newRow("Command-Q") << key(u"q"_s, true) << true;
+    QTest::newRow("Command-Shift-Q") << key(u"Q"_s, true) << true;
+    QTest::newRow("Q alone") << key(u"q"_s, false) << false;
+    QTest::newRow("Command-W") << key(u"w"_s, true) << false;
+    QTest::newRow("key release") << key(u"q"_s, true, false) << false;
+}
+
+void EditorWindowsTest::quitShortcutClosesTheWindowItIsPressedIn()
+{
+    QFETCH(windowrules::KeyEquivalentEvent, event);
+    QFETCH(bool, closes);
+    EditorManagerFixture f;
+    f.settings.setOpenEditorViaNotification(false);
+    f.settings.setKeepExistingEditorWindowOnAutoOpen(true);
+    f.handOff(EditorManagerFixture::picture(), shotA);
+    f.handOff(EditorManagerFixture::picture(), shotB);
+    FakeEditorWindow *primary = f.primary();
+    FakeEditorWindow *extra = f.lastWindow();
+
+    QCOMPARE(extra->performKeyEquivalent(event), closes);
+    f.scheduler.runUntilIdle();
+    QCOMPARE(f.manager.detachedEditorWindows().isEmpty(), closes);
+    QCOMPARE(f.windows.isAlive(extra), !closes);
+    QVERIFY(primary->isVisible);
+
+    QCOMPARE(primary->performKeyEquivalent(event), closes);
+    QCOMPARE(f.manager.editorWindow() == nullptr, closes);
+    QCOMPARE(primary->isVisible, !closes);
+    QCOMPARE(f.application.terminateCount, 0);
+}
+
+void EditorWindowsTest::detachedWindowsAreForgottenWhenTheyClose()
+{
+    EditorManagerFixture f;
+    f.settings.setOpenEditorViaNotification(false);
+    f.settings.setKeepExistingEditorWindowOnAutoOpen(true);
+    f.handOff(EditorManagerFixture::picture(), shotA);
+    f.handOff(EditorManagerFixture::picture(), shotB);
+    f.handOff(EditorManagerFixture::picture(), shotB);
+    QCOMPARE(f.manager.detachedEditorWindows().size(), 2);
+    FakeEditorWindow *first = f.windows.windows.at(1);
+    FakeEditorWindow *second = f.windows.windows.at(2);
+
+    first->userCloses();
+    QCOMPARE(f.manager.detachedEditorWindows(), QList<EditorWindow *>{second});
+    QVERIFY(f.windows.isAlive(first)); // not from inside its own close
+    f.scheduler.runUntilIdle();
+    QVERIFY(!f.windows.isAlive(first));
+    QVERIFY(f.windows.isAlive(second));
+}
+
+void EditorWindowsTest::closingADetachedWindowStopsObservingIt()
+{
+    EditorManagerFixture f;
+    f.manager.openDetachedEditorWindow(std::make_shared<ImageEditorModel>(EditorManagerFixture::picture(), f.store),
+                                       shotA);
+    FakeEditorWindow *window = f.lastWindow();
+    f.manager.closeDetachedEditorWindow(window);
+    QCOMPARE(window->closeCount, 1);
+    QVERIFY(f.manager.detachedEditorWindows().isEmpty());
+    f.scheduler.runUntilIdle();
+    QVERIFY(!f.windows.isAlive(window));
+}
+
+void EditorWindowsTest::primaryWindowIsMadeAgainAfterClosing()
+{
+    EditorManagerFixture f;
+    f.manager.openEditorLauncher();
+    FakeEditorWindow *first = f.primary();
+    f.manager.closePrimaryEditor();
+    QVERIFY(!f.manager.editorWindow());
+    f.scheduler.runUntilIdle();
+    QVERIFY(!f.windows.isAlive(first));
+
+    f.manager.openEditorLauncher();
+    QCOMPARE(f.windows.windows.size(), qsizetype(2));
+    QVERIFY(f.primary()->isVisible);
+}
+
+void EditorWindowsTest::cancelClosesTheWindow()
+{
+    EditorManagerFixture f;
+    f.handOff(EditorManagerFixture::picture(), shotA);
+    f.manager.openEditor(false);
+    f.primary()->contentAs<ImageEditorView>()->cancel();
+    QVERIFY(!f.manager.editorWindow());
+    QCOMPARE(f.windows.windows.first()->closeCount, 1);
+
+    f.manager.openEditorLauncher();
+    f.primary()->contentAs<EditorDropTargetView>()->trigger(EditorDropTargetView::ButtonRole::Cancel);
+    QVERIFY(!f.manager.editorWindow());
+}
+
+QTEST_MAIN(EditorWindowsTest)
+#include "tst_editorwindows.moc"
