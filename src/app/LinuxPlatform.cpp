@@ -6,8 +6,11 @@
 #include "JsonFileKeyValueStore.h"
 #include "LibdeflatePngWriter.h"
 #include "LinuxSystemLog.h"
+#include "QtAlertPresenter.h"
 #include "QtApplicationControl.h"
+#include "QtEditorWindowFactory.h"
 #include "QtKeyEventMonitor.h"
+#include "QtOpenPanel.h"
 #include "QtPasteboard.h"
 #include "QtSelectionWindowFactory.h"
 #include "TrayStatusItem.h"
@@ -81,7 +84,10 @@ LinuxPlatform::LinuxPlatform(xcb_connection_t *connection, const QProcessEnviron
       m_pngWriter(std::make_unique<LibdeflatePngWriter>()),
       m_updater(std::make_unique<UnconfiguredSoftwareUpdater>(*m_systemLog)),
       m_inputGrab(std::make_unique<X11InputGrab>(connection)),
-      m_selectionWindows(std::make_unique<QtSelectionWindowFactory>(*m_displays, *m_inputGrab))
+      m_selectionWindows(std::make_unique<QtSelectionWindowFactory>(*m_displays, *m_inputGrab)),
+      m_editorWindows(std::make_unique<QtEditorWindowFactory>()),
+      m_alerts(std::make_unique<QtAlertPresenter>()),
+      m_openPanel(std::make_unique<QtOpenPanel>())
 {
 }
 
@@ -112,5 +118,8 @@ PlatformServices LinuxPlatform::services() const
     services.pngWriter = m_pngWriter.get();
     services.updater = m_updater.get();
     services.selectionWindows = m_selectionWindows.get();
+    services.editorWindows = m_editorWindows.get();
+    services.alerts = m_alerts.get();
+    services.openPanel = m_openPanel.get();
     return services;
 }

@@ -10,6 +10,9 @@
 #include <xcb/xcb.h>
 
 class CanberraSoundPlayer;
+class QtAlertPresenter;
+class QtEditorWindowFactory;
+class QtOpenPanel;
 class DBusUserNotifier;
 class DesktopWorkspace;
 class JsonFileKeyValueStore;
@@ -79,4 +82,7 @@ private:
     // The grab outlives the overlay windows, which release it as they go.
     std::unique_ptr<X11InputGrab> m_inputGrab;
     std::unique_ptr<QtSelectionWindowFactory> m_selectionWindows;
+    std::unique_ptr<QtEditorWindowFactory> m_editorWindows;
+    std::unique_ptr<QtAlertPresenter> m_alerts;
+    std::unique_ptr<QtOpenPanel> m_openPanel;
 };

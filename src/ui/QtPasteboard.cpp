@@ -2,6 +2,7 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QMimeData>
 
 void QtPasteboard::clearContents()
 {
@@ -15,4 +16,26 @@ bool QtPasteboard::writeImage(const QImage &image)
     QClipboard *clipboard = QGuiApplication::clipboard();
     clipboard->setImage(image, QClipboard::Clipboard);
     return clipboard->ownsClipboard() || !clipboard->supportsSelection();
+}
+
+std::optional<QImage> QtPasteboard::readImage() const
+{
+    const QImage image = QGuiApplication::clipboard()->image(QClipboard::Clipboard);
+    if (image.isNull())
+        return std::nullopt;
+    return image;
+}
+
+QStringList QtPasteboard::availableTypes() const
+{
+    const QMimeData *data = QGuiApplication::clipboard()->mimeData(QClipboard::Clipboard);
+    return data ? data->formats() : QStringList();
+}
+
+std::optional<QByteArray> QtPasteboard::readData(const QString &mimeType) const
+{
+    const QMimeData *data = QGuiApplication::clipboard()->mimeData(QClipboard::Clipboard);
+    if (!data || !data->hasFormat(mimeType))
+        return std::nullopt;
+    return data->data(mimeType);
 }

@@ -9,4 +9,7 @@ class QtPasteboard final : public Pasteboard
 public:
     void clearContents() override;
     bool writeImage(const QImage &image) override;
+    std::optional<QImage> readImage() const override;
+    QStringList availableTypes() const override;
+    std::optional<QByteArray> readData(const QString &mimeType) const override;
 };

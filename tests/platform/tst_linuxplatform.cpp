@@ -67,7 +67,8 @@ void LinuxPlatformTest::setListsEveryServiceItBuilt()
             && services.scheduler && services.statusItem && services.systemLog && services.notifier);
     QVERIFY(services.cursor && services.displays && services.keyMonitor && services.pasteboard && services.pngWriter
             && services.screenCapturePermission && services.screenCapturer && services.selectionWindows
-            && services.sounds && services.updater && services.windowList && services.workspace);
+            && services.sounds && services.updater && services.windowList && services.workspace && services.alerts
+            && services.editorWindows && services.openPanel);
     QVERIFY(services.screenCapturePermission->preflight());
     QCOMPARE(services.updater->unavailableReason(), std::optional<QString>(u"no update feed configured"_s));
     QVERIFY(!services.legacyPreferences);
