@@ -18,9 +18,9 @@ public:
 protected:
     void closeEvent(QCloseEvent *event) override
     {
-        // Hidden, not destroyed: the window manager may show it again with new content.
-        event->ignore();
-        hide();
+        // Accepted, the widget is only hidden (it is not deleted on close), so the window manager may
+        // show it again with new content; refusing would also refuse the application's quit.
+        QWidget::closeEvent(event);
         m_owner.windowWillClose();
     }
 

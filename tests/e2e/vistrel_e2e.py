@@ -4,6 +4,7 @@ clipboard (xclip) and the screen, and compare pictures pixel for pixel.
 
 Every test script is run as   SCRIPT VISTREL X11_PROBE   and exits 0 when every check passed."""
 import json
+import time
 import os
 import re
 import subprocess
@@ -89,12 +90,13 @@ class Vistrel:
 
     def quit(self):
         """Asks the running instance to quit, as a second start would, and waits for it to end."""
-        run(VISTREL, "quit", timeout=20)
+        asked = run(VISTREL, "quit", timeout=20)
         try:
             self.process.wait(timeout=10)
         except subprocess.TimeoutExpired:
             self.process.kill()
-            check(False, "vistrel did not quit when asked")
+            check(False, f"vistrel did not quit when asked ({asked.returncode}: {asked.stderr.strip()}); "
+                         f"its system log: {self.system_log()}")
 
 
 def key(keys):
