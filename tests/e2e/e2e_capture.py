@@ -11,12 +11,15 @@ from vistrel_e2e import *  # noqa: F401,F403 - the helpers of these tests
 app = Vistrel()
 desk = background()
 
-# Repeat with nothing to repeat: refused, with its trace (the beep is the display bell).
+# Repeat with nothing to repeat: refused with a beep (the display bell) and its trace.
+bells = BellCounter()
 before = len(log_lines())
 key("shift+super+r")
 check(wait_for_line("hotkey captured kind=repeat", before), "the repeat shortcut was not taken")
 check(wait_for_line("repeat capture skipped: no previous selection", before),
       "repeat without a region did not log its refusal")
+check(wait_until(lambda: bells.count() == 1, 5), f"repeat without a region rang the bell {bells.count()} times")
+bells.stop()
 check(saved_files() == [], "repeat without a region saved something")
 
 # A dragged capture.

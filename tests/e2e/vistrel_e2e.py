@@ -204,3 +204,19 @@ def notifications_shown():
 
 def editor_windows():
     return run("xdotool", "search", "--onlyvisible", "--name", "^Vistrel 編集$").stdout.split()
+
+
+class BellCounter:
+    """Counts rings of the display bell (the system beep) from its start on."""
+
+    def __init__(self):
+        self.path = os.path.join(SESSION, "bells")
+        self.process = subprocess.Popen([PROBE, "count-bells"], stdout=open(self.path, "w"))
+        check(wait_until(lambda: "watching" in open(self.path).read(), 5), "the bell watcher did not start")
+
+    def count(self):
+        return open(self.path).read().count("bell")
+
+    def stop(self):
+        self.process.kill()
+        self.process.wait()
