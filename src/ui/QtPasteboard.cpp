@@ -13,9 +13,9 @@ bool QtPasteboard::writeImage(const QImage &image)
 {
     if (image.isNull())
         return false;
-    QClipboard *clipboard = QGuiApplication::clipboard();
-    clipboard->setImage(image, QClipboard::Clipboard);
-    return clipboard->ownsClipboard() || !clipboard->supportsSelection();
+    // Qt reports no failure of its own; the image is served from here on request.
+    QGuiApplication::clipboard()->setImage(image, QClipboard::Clipboard);
+    return true;
 }
 
 std::optional<QImage> QtPasteboard::readImage() const

@@ -28,11 +28,22 @@ app.quit()
 
 before = len(log_lines())
 app = Vistrel({"QT_SCREEN_SCALE_FACTORS": "LEFT=2;RIGHT=1"}, tag="2x")
-capture((2100, 100), (2300, 250), (2100, 100, 2300, 250), "second display beside a 2x one")
 # 100 x 75 points on the 2x display are 200 x 150 pixels of the screen.
 capture((100, 100), (300, 250), (100, 100, 300, 250), "the 2x display")
+capture((2100, 100), (2300, 250), (2100, 100, 2300, 250), "second display beside a 2x one")
 layout = wait_for_line("showSelectionWindow screens=2", before)
 check(layout and "frame={{0, 0}, {960, 540}} scale=2]" in layout and "frame={{1920, -540}, {1920, 1080}} scale=1]"
       in layout, f"mixed-scale layout: {layout}")
+
+# Unplugging the display of the last region: the change reaches the capture controller, which forgets
+# the region, so the repeat shortcut has nothing to repeat.
+right_id = layout.split("[id=")[2].split()[0] if layout else "?"
+before = len(log_lines())
+run("xrandr", "--delmonitor", "RIGHT")
+check(wait_for_line("screen parameters changed: [id=", before), "the display change was not reported")
+check(wait_for_line(f"repeat region discarded: display={right_id} disconnected", before),
+      "the region of the unplugged display was kept")
+key("shift+super+r")
+check(wait_for_line("repeat capture skipped: no previous selection", before), "repeat still had a region")
 app.quit()
 finish("two displays")
