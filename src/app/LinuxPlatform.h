@@ -10,16 +10,16 @@
 #include <xcb/xcb.h>
 
 class CanberraSoundPlayer;
-class QtAlertPresenter;
-class QtEditorWindowFactory;
-class QtOpenPanel;
 class DBusUserNotifier;
 class DesktopWorkspace;
 class JsonFileKeyValueStore;
 class LibdeflatePngWriter;
 class LinuxSystemLog;
+class QtAlertPresenter;
 class QtApplicationControl;
+class QtEditorWindowFactory;
 class QtKeyEventMonitor;
+class QtOpenPanel;
 class QtPasteboard;
 class QtScheduler;
 class QtSelectionWindowFactory;
@@ -46,9 +46,8 @@ public:
     ~LinuxPlatform();
 
     PlatformServices services() const;
-
+    // Given the diagnostics log once the process-wide instances exist.
     DesktopWorkspace &workspace() const { return *m_workspace; }
-    X11ScreenCapturer &screenCapturer() const { return *m_screenCapturer; }
 
     // $XDG_STATE_HOME/Vistrel, by default ~/.local/state/Vistrel.
     static QString diagnosticsLogFolder(const QProcessEnvironment &environment);
