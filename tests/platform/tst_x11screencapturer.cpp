@@ -41,7 +41,8 @@ private:
     QImage m_pattern;
 };
 
-QImage capture(X11ScreenCapturer &capturer, std::function<void(ScreenCapturer::ImageCompletion)> call)
+// The image a capture call completes with (the calls complete before returning).
+QImage capture(std::function<void(ScreenCapturer::ImageCompletion)> call)
 {
     QImage result;
     call([&result](QImage image, std::optional<QString> error) {
@@ -97,12 +98,12 @@ void X11ScreenCapturerTest::readsWhatTheScreenShows()
     const QImage &pattern = m_window->pattern();
 
     // The desktop rectangle in the top-left global space, the same as the root's pixels at scale 1.
-    const QImage rect = capture(capturer, [&](auto done) { capturer.captureRect(Rect(40, 30, 257, 131), done); });
+    const QImage rect = capture([&](auto done) { capturer.captureRect(Rect(40, 30, 257, 131), done); });
     QCOMPARE(rect, pattern);
 
     // Part of the display: display-local points from the top-left corner.
     const DisplayInfo display = m_displays->screens().first();
-    const QImage part = capture(capturer, [&](auto done) {
+    const QImage part = capture([&](auto done) {
         capturer.captureDisplay(*display.id, Rect(50, 40, 100, 60), QSize(100, 60), done);
     });
     QCOMPARE(part, pattern.copy(10, 10, 100, 60));
@@ -114,10 +115,10 @@ void X11ScreenCapturerTest::wholeDisplayIsScaledOnlyWhenAskedTo()
     const DisplayInfo display = m_displays->screens().first();
     const Rect whole(0, 0, display.frame.width(), display.frame.height());
     const QSize pixels(int(display.frame.width()), int(display.frame.height()));
-    const QImage full = capture(capturer, [&](auto done) { capturer.captureDisplay(*display.id, whole, pixels, done); });
+    const QImage full = capture([&](auto done) { capturer.captureDisplay(*display.id, whole, pixels, done); });
     QCOMPARE(full.size(), pixels);
     QCOMPARE(full.copy(40, 30, 257, 131), m_window->pattern());
-    const QImage half = capture(capturer, [&](auto done) {
+    const QImage half = capture([&](auto done) {
         capturer.captureDisplay(*display.id, whole, pixels / 2, done);
     });
     QCOMPARE(half.size(), pixels / 2);
