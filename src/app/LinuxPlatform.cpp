@@ -4,7 +4,7 @@
 #include "DBusUserNotifier.h"
 #include "DesktopWorkspace.h"
 #include "JsonFileKeyValueStore.h"
-#include "LibdeflatePngWriter.h"
+#include "FastPngWriter.h"
 #include "LinuxSystemLog.h"
 #include "QtAlertPresenter.h"
 #include "QtApplicationControl.h"
@@ -81,7 +81,7 @@ LinuxPlatform::LinuxPlatform(xcb_connection_t *connection, const QProcessEnviron
       m_sounds(std::make_unique<CanberraSoundPlayer>(connection)),
       m_workspace(std::make_unique<DesktopWorkspace>()),
       m_keyMonitor(std::make_unique<QtKeyEventMonitor>()),
-      m_pngWriter(std::make_unique<LibdeflatePngWriter>()),
+      m_pngWriter(std::make_unique<FastPngWriter>()),
       m_updater(std::make_unique<UnconfiguredSoftwareUpdater>(*m_systemLog)),
       m_inputGrab(std::make_unique<X11InputGrab>(connection)),
       m_selectionWindows(std::make_unique<QtSelectionWindowFactory>(*m_displays, *m_inputGrab)),

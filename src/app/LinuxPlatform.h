@@ -13,7 +13,7 @@ class CanberraSoundPlayer;
 class DBusUserNotifier;
 class DesktopWorkspace;
 class JsonFileKeyValueStore;
-class LibdeflatePngWriter;
+class FastPngWriter;
 class LinuxSystemLog;
 class QtAlertPresenter;
 class QtApplicationControl;
@@ -76,7 +76,7 @@ private:
     std::unique_ptr<CanberraSoundPlayer> m_sounds;
     std::unique_ptr<DesktopWorkspace> m_workspace;
     std::unique_ptr<QtKeyEventMonitor> m_keyMonitor;
-    std::unique_ptr<LibdeflatePngWriter> m_pngWriter;
+    std::unique_ptr<FastPngWriter> m_pngWriter;
     std::unique_ptr<UnconfiguredSoftwareUpdater> m_updater;
     // The grab outlives the overlay windows, which release it as they go.
     std::unique_ptr<X11InputGrab> m_inputGrab;
