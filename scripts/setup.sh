@@ -11,7 +11,7 @@ build=(g++ cmake ninja-build ccache pkg-config
        libxcb1-dev libxcb-shm0-dev libxcb-keysyms1-dev libxcb-randr0-dev libxcb-xtest0-dev x11proto-dev
        libcanberra-dev libbenchmark-dev
        fonts-dejavu-core fonts-noto-cjk sound-theme-freedesktop)
-test=(xvfb xauth openbox dunst dbus dbus-x11 xdotool xclip x11-xserver-utils x11-utils
+test=(libxcb-xfixes0-dev libxcb-xkb-dev xvfb xauth openbox dunst dbus dbus-x11 xdotool xclip x11-xserver-utils x11-utils
       imagemagick python3 python3-pil python3-dbus python3-gi trayer
       desktop-file-utils)
 run=(xdg-utils)

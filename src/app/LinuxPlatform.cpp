@@ -1,11 +1,30 @@
 #include "LinuxPlatform.h"
 
+#include "AppcastSoftwareUpdater.h"
+#include "CanberraSoundPlayer.h"
 #include "DBusUserNotifier.h"
+#include "DesktopWorkspace.h"
 #include "JsonFileKeyValueStore.h"
+#include "FastPngWriter.h"
 #include "LinuxSystemLog.h"
+#include "QtAlertPresenter.h"
 #include "QtApplicationControl.h"
+#include "QtEditorWindowFactory.h"
+#include "QtFolderChooser.h"
+#include "QtKeyEventMonitor.h"
+#include "QtOpenPanel.h"
+#include "QtPasteboard.h"
+#include "QtSelectionWindowFactory.h"
+#include "QtSettingsWindow.h"
+#include "QtUpdateUserDriver.h"
 #include "TrayStatusItem.h"
+#include "X11Cursor.h"
+#include "X11DisplayProvider.h"
 #include "X11HotKeyRegistrar.h"
+#include "X11InputGrab.h"
+#include "X11ScreenCapturePermission.h"
+#include "X11ScreenCapturer.h"
+#include "X11WindowList.h"
 #include "XdgAutostartLoginItem.h"
 
 #include "platform/Clock.h"
@@ -55,11 +74,42 @@ LinuxPlatform::LinuxPlatform(xcb_connection_t *connection, const QProcessEnviron
       m_notifier(std::make_unique<DBusUserNotifier>(QDBusConnection::sessionBus(), *m_scheduler)),
       m_hotKeys(std::make_unique<X11HotKeyRegistrar>(connection)),
       m_statusItem(std::make_unique<TrayStatusItem>()),
-      m_application(std::make_unique<QtApplicationControl>())
+      m_application(std::make_unique<QtApplicationControl>()),
+      m_displays(std::make_unique<X11DisplayProvider>(connection)),
+      m_cursor(std::make_unique<X11Cursor>(connection)),
+      m_screenCapturer(std::make_unique<X11ScreenCapturer>(connection, *m_displays)),
+      m_permission(std::make_unique<X11ScreenCapturePermission>()),
+      m_windowList(std::make_unique<X11WindowList>(connection)),
+      m_pasteboard(std::make_unique<QtPasteboard>()),
+      m_sounds(std::make_unique<CanberraSoundPlayer>(connection)),
+      m_workspace(std::make_unique<DesktopWorkspace>()),
+      m_keyMonitor(std::make_unique<QtKeyEventMonitor>()),
+      m_pngWriter(std::make_unique<FastPngWriter>()),
+      m_updateDialogs(std::make_unique<QtUpdateUserDriver>()),
+      m_updater(std::make_unique<AppcastSoftwareUpdater>(
+          AppcastSoftwareUpdater::Configuration{AppcastSoftwareUpdater::configuredFeedURL(),
+                                                QStringLiteral(VISTREL_BUILD_VERSION), QStringLiteral(VISTREL_VERSION)},
+          AppcastSoftwareUpdater::Services{*m_store, *m_scheduler, *m_clock, *m_workspace, *m_updateDialogs,
+                                           *m_systemLog})),
+      m_inputGrab(std::make_unique<X11InputGrab>(connection)),
+      m_selectionWindows(std::make_unique<QtSelectionWindowFactory>(*m_displays, *m_inputGrab)),
+      m_editorWindows(std::make_unique<QtEditorWindowFactory>()),
+      m_alerts(std::make_unique<QtAlertPresenter>()),
+      m_openPanel(std::make_unique<QtOpenPanel>()),
+      m_folderChooser(std::make_unique<QtFolderChooser>())
 {
 }
 
 LinuxPlatform::~LinuxPlatform() = default;
+
+std::unique_ptr<SettingsWindow> LinuxPlatform::makeSettingsWindow(AppSettings &settings,
+                                                                  SoftwareUpdaterModel &updater) const
+{
+    return std::make_unique<QtSettingsWindow>(QtSettingsWindow::Dependencies{
+        settings, *m_folderChooser, updater,
+        ApplicationVersion{QStringLiteral(VISTREL_VERSION), QStringLiteral(VISTREL_BUILD_VERSION)},
+        XdgAutostartLoginItem::settingsCaption()});
+}
 
 PlatformServices LinuxPlatform::services() const
 {
@@ -74,5 +124,20 @@ PlatformServices LinuxPlatform::services() const
     services.statusItem = m_statusItem.get();
     services.systemLog = m_systemLog.get();
     services.notifier = m_notifier.get();
+    services.displays = m_displays.get();
+    services.cursor = m_cursor.get();
+    services.screenCapturer = m_screenCapturer.get();
+    services.screenCapturePermission = m_permission.get();
+    services.windowList = m_windowList.get();
+    services.pasteboard = m_pasteboard.get();
+    services.sounds = m_sounds.get();
+    services.workspace = m_workspace.get();
+    services.keyMonitor = m_keyMonitor.get();
+    services.pngWriter = m_pngWriter.get();
+    services.updater = m_updater.get();
+    services.selectionWindows = m_selectionWindows.get();
+    services.editorWindows = m_editorWindows.get();
+    services.alerts = m_alerts.get();
+    services.openPanel = m_openPanel.get();
     return services;
 }

@@ -9,14 +9,35 @@
 
 #include <xcb/xcb.h>
 
+class AppSettings;
+class AppcastSoftwareUpdater;
+class CanberraSoundPlayer;
 class DBusUserNotifier;
+class DesktopWorkspace;
 class JsonFileKeyValueStore;
+class FastPngWriter;
 class LinuxSystemLog;
+class QtAlertPresenter;
 class QtApplicationControl;
+class QtEditorWindowFactory;
+class QtFolderChooser;
+class QtKeyEventMonitor;
+class QtOpenPanel;
+class QtPasteboard;
 class QtScheduler;
+class QtSelectionWindowFactory;
+class QtUpdateUserDriver;
+class SettingsWindow;
+class SoftwareUpdaterModel;
 class SystemClock;
 class TrayStatusItem;
+class X11Cursor;
+class X11DisplayProvider;
 class X11HotKeyRegistrar;
+class X11InputGrab;
+class X11ScreenCapturePermission;
+class X11ScreenCapturer;
+class X11WindowList;
 class XdgAutostartLoginItem;
 
 // The platform set of the Linux application: builds each OS service once, owns it, and lists it in a
@@ -29,8 +50,11 @@ public:
                            const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
     ~LinuxPlatform();
 
-    // Every service this set has; the fields of services that come later stay null.
     PlatformServices services() const;
+    // The settings window, made when the user first asks for it.
+    std::unique_ptr<SettingsWindow> makeSettingsWindow(AppSettings &settings, SoftwareUpdaterModel &updater) const;
+    // Given the diagnostics log once the process-wide instances exist.
+    DesktopWorkspace &workspace() const { return *m_workspace; }
 
     // $XDG_STATE_HOME/Vistrel, by default ~/.local/state/Vistrel.
     static QString diagnosticsLogFolder(const QProcessEnvironment &environment);
@@ -50,4 +74,23 @@ private:
     std::unique_ptr<X11HotKeyRegistrar> m_hotKeys;
     std::unique_ptr<TrayStatusItem> m_statusItem;
     std::unique_ptr<QtApplicationControl> m_application;
+    std::unique_ptr<X11DisplayProvider> m_displays;
+    std::unique_ptr<X11Cursor> m_cursor;
+    std::unique_ptr<X11ScreenCapturer> m_screenCapturer;
+    std::unique_ptr<X11ScreenCapturePermission> m_permission;
+    std::unique_ptr<X11WindowList> m_windowList;
+    std::unique_ptr<QtPasteboard> m_pasteboard;
+    std::unique_ptr<CanberraSoundPlayer> m_sounds;
+    std::unique_ptr<DesktopWorkspace> m_workspace;
+    std::unique_ptr<QtKeyEventMonitor> m_keyMonitor;
+    std::unique_ptr<FastPngWriter> m_pngWriter;
+    std::unique_ptr<QtUpdateUserDriver> m_updateDialogs;
+    std::unique_ptr<AppcastSoftwareUpdater> m_updater;
+    // The grab outlives the overlay windows, which release it as they go.
+    std::unique_ptr<X11InputGrab> m_inputGrab;
+    std::unique_ptr<QtSelectionWindowFactory> m_selectionWindows;
+    std::unique_ptr<QtEditorWindowFactory> m_editorWindows;
+    std::unique_ptr<QtAlertPresenter> m_alerts;
+    std::unique_ptr<QtOpenPanel> m_openPanel;
+    std::unique_ptr<QtFolderChooser> m_folderChooser;
 };

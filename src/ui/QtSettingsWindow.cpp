@@ -1,39 +1,26 @@
 #include "QtSettingsWindow.h"
 
+#include "DesktopSpace.h"
 #include "KeyEquivalentFilter.h"
 #include "SettingsFormWidget.h"
 
 #include "app/SettingsForm.h"
 #include "app/SettingsFormTexts.h"
 
-#include <QGuiApplication>
 #include <QScreen>
 #include <QVBoxLayout>
 
 namespace {
 
-// Between Qt's desktop (origin at the primary display's top-left, y down) and the global space of the
-// displays (origin at the primary display's bottom-left, y up).
-QRect primaryGeometry()
-{
-    const QScreen *primary = QGuiApplication::primaryScreen();
-    return primary ? primary->geometry() : QRect();
-}
-
+// Between Qt's desktop and the global bottom-left space of the displays.
 Rect toGlobal(const QRect &logical)
 {
-    const QRect primary = primaryGeometry();
-    const double bottom = primary.top() + primary.height();
-    return Rect(logical.x() - primary.left(), bottom - (logical.y() + logical.height()), logical.width(),
-                logical.height());
+    return DesktopSpace::current().toGlobal(QRectF(logical));
 }
 
 QRect fromGlobal(const Rect &global)
 {
-    const QRect primary = primaryGeometry();
-    const double bottom = primary.top() + primary.height();
-    return QRectF(global.minX() + primary.left(), bottom - global.maxY(), global.width(), global.height())
-        .toAlignedRect();
+    return DesktopSpace::current().fromGlobal(global).toAlignedRect();
 }
 
 } // namespace

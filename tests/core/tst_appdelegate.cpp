@@ -42,6 +42,8 @@ struct Fixture
     FakeCommands commands;
     FakeSettingsWindow *settingsWindow = nullptr;
     int settingsWindowsMade = 0;
+    // A build without a settings window gets none from its factory.
+    bool hasSettingsWindow = true;
 
     AppDelegate delegate{{diagnostics, application, statusItem, hotKeys, notifier, systemLog, scheduler, displays,
                           settings, notifications, commands, commands,
@@ -49,7 +51,9 @@ struct Fixture
                               journal.append(u"updater"_s);
                               return commands;
                           },
-                          [this] {
+                          [this]() -> std::unique_ptr<SettingsWindow> {
+                              if (!hasSettingsWindow)
+                                  return nullptr;
                               ++settingsWindowsMade;
                               auto window = std::make_unique<FakeSettingsWindow>();
                               settingsWindow = window.get();
@@ -77,6 +81,7 @@ private slots:
     void settingsWindowIsFittedWhenShownFromHidden_data();
     void settingsWindowIsFittedWhenShownFromHidden();
     void settingsWindowLeftWhereItIsWhileVisible();
+    void settingsWithoutAWindowOnlyLog();
     void closeWindowShortcut_data();
     void closeWindowShortcut();
     void terminationUnregisters();
@@ -272,6 +277,16 @@ void AppDelegateTest::settingsWindowLeftWhereItIsWhileVisible()
     f.delegate.showSettings();
     QCOMPARE(f.settingsWindow->frame(), Rect(7, 9, 560, 860));
     QCOMPARE(f.settingsWindow->orderFrontCount, 2);
+}
+
+void AppDelegateTest::settingsWithoutAWindowOnlyLog()
+{
+    Fixture f;
+    f.hasSettingsWindow = false;
+    f.delegate.perform(StatusItem::Action::ShowSettings);
+    QVERIFY(f.diagnostics.lines().contains(u"showSettings skipped: no settings window in this build"_s));
+    QCOMPARE(f.application.activateCount, 0);
+    QVERIFY(!f.delegate.settingsWindow());
 }
 
 void AppDelegateTest::closeWindowShortcut_data()

@@ -4,6 +4,8 @@
 #include "platform/HotKeyRegistrar.h"
 #include "platform/KeyValueStore.h"
 #include "platform/LoginItemService.h"
+#include "platform/ScreenCapturePermission.h"
+#include "platform/SoftwareUpdater.h"
 
 #include <QApplication>
 #include <QTemporaryDir>
@@ -63,6 +65,15 @@ void LinuxPlatformTest::setListsEveryServiceItBuilt()
     QCOMPARE(services.diagnosticsLogFolder, home.path() + u"/.local/state/Vistrel"_s);
     QVERIFY(services.application && services.clock && services.hotKeys && services.store && services.loginItem
             && services.scheduler && services.statusItem && services.systemLog && services.notifier);
+    QVERIFY(services.cursor && services.displays && services.keyMonitor && services.pasteboard && services.pngWriter
+            && services.screenCapturePermission && services.screenCapturer && services.selectionWindows
+            && services.sounds && services.updater && services.windowList && services.workspace && services.alerts
+            && services.editorWindows && services.openPanel);
+    QVERIFY(services.screenCapturePermission->preflight());
+    // Built without an update feed, as tests are.
+    QCOMPARE(services.updater->unavailableReason(),
+             u"このビルドにはアップデートの配信元が設定されていないため、アップデートを確認できません。"_s);
+    QVERIFY(!services.updater->canCheckForUpdates());
     QVERIFY(!services.legacyPreferences);
 
     // The services work where the set put them.

@@ -132,6 +132,10 @@ void AppDelegate::showSettings()
 {
     if (!m_settingsWindow)
         m_settingsWindow = m_deps.makeSettingsWindow();
+    if (!m_settingsWindow) {
+        m_deps.diagnostics.write(QStringLiteral("showSettings skipped: no settings window in this build"));
+        return;
+    }
     m_deps.application.activate();
     if (!m_settingsWindow->isVisible())
         fitSettingsWindowToScreen();

@@ -148,8 +148,12 @@ void SelectionSession::closeSelectionWindows(bool keepFrozenImages, bool restore
     m_state.isPreparingSelection = false;
     removeSelectionEscapeMonitorIfNeeded();
     for (const SelectionWindowPool::Entry &entry : m_state.selectionWindows.entries()) {
-        if (entry.view)
+        if (entry.view) {
             entry.view->resetInteractionState(restoreCursor);
+            // A hidden view shows nothing; a full-display image held until the next session would
+            // only keep its memory (a capture crops from the snapshots, which stay as asked).
+            entry.view->setFrozenBackgroundImage(QImage());
+        }
         entry.window->orderOut();
     }
     if (!keepFrozenImages)

@@ -42,8 +42,11 @@ AppcastSoftwareUpdater::AppcastSoftwareUpdater(const Configuration &configuratio
 
 AppcastSoftwareUpdater::~AppcastSoftwareUpdater()
 {
-    if (m_reply)
+    // A check still running ends quietly: nobody is left to tell.
+    if (m_reply) {
+        m_reply->disconnect(this);
         m_reply->abort();
+    }
 }
 
 std::optional<QString> AppcastSoftwareUpdater::unavailableReason() const

@@ -1,0 +1,66 @@
+#include "CanberraSoundPlayer.h"
+
+#include <QFileInfo>
+
+#include <canberra.h>
+
+using namespace Qt::StringLiterals;
+
+CanberraSoundPlayer::CanberraSoundPlayer(xcb_connection_t *connection) : m_connection(connection) {}
+
+CanberraSoundPlayer::~CanberraSoundPlayer()
+{
+    if (m_context)
+        ca_context_destroy(m_context);
+}
+
+QString CanberraSoundPlayer::eventIDForName(const QString &name)
+{
+    if (name == u"Shutter"_s)
+        return u"camera-shutter"_s;
+    return name.toLower();
+}
+
+ca_context *CanberraSoundPlayer::context()
+{
+    if (m_context || m_contextFailed)
+        return m_context;
+    if (ca_context_create(&m_context) != CA_SUCCESS) {
+        m_context = nullptr;
+        m_contextFailed = true;
+        return nullptr;
+    }
+    ca_context_change_props(m_context, CA_PROP_APPLICATION_NAME, "Vistrel", CA_PROP_APPLICATION_ID,
+                            "org.vistrel.Vistrel", nullptr);
+    // Opening picks the audio backend; without any, every sound fails and the bell takes over.
+    if (ca_context_open(m_context) != CA_SUCCESS) {
+        ca_context_destroy(m_context);
+        m_context = nullptr;
+        m_contextFailed = true;
+    }
+    return m_context;
+}
+
+bool CanberraSoundPlayer::playFile(const QString &path)
+{
+    if (!QFileInfo(path).isFile())
+        return false;
+    ca_context *c = context();
+    return c && ca_context_play(c, 0, CA_PROP_MEDIA_FILENAME, QFile::encodeName(path).constData(), nullptr) == CA_SUCCESS;
+}
+
+bool CanberraSoundPlayer::playNamed(const QString &name)
+{
+    ca_context *c = context();
+    return c
+        && ca_context_play(c, 0, CA_PROP_EVENT_ID, eventIDForName(name).toUtf8().constData(),
+                           CA_PROP_EVENT_DESCRIPTION, "Vistrel", nullptr)
+        == CA_SUCCESS;
+}
+
+bool CanberraSoundPlayer::beep()
+{
+    xcb_bell(m_connection, 0);
+    xcb_flush(m_connection);
+    return true;
+}

@@ -1,0 +1,105 @@
+#include "X11ShmSegments.h"
+
+#include <cstdlib>
+
+#include <sys/ipc.h>
+#include <sys/shm.h>
+
+struct X11ShmSegments::Segment
+{
+    xcb_shm_seg_t id = 0;
+    void *address = nullptr;
+    size_t size = 0;
+};
+
+X11ShmSegments::X11ShmSegments(xcb_connection_t *connection) : m_connection(connection)
+{
+    const xcb_query_extension_reply_t *extension = xcb_get_extension_data(connection, &xcb_shm_id);
+    m_isAvailable = extension && extension->present;
+}
+
+X11ShmSegments::~X11ShmSegments()
+{
+    // A segment still read by an image outlives us, attached, until the process ends.
+    trim(0);
+}
+
+std::shared_ptr<X11ShmSegments::Segment> X11ShmSegments::create(size_t bytes)
+{
+    const int shmId = shmget(IPC_PRIVATE, bytes, IPC_CREAT | 0600);
+    if (shmId < 0)
+        return nullptr;
+    void *address = shmat(shmId, nullptr, 0);
+    auto segment = std::make_shared<Segment>();
+    segment->id = xcb_generate_id(m_connection);
+    xcb_generic_error_t *error = nullptr;
+    if (address != reinterpret_cast<void *>(-1))
+        error = xcb_request_check(m_connection, xcb_shm_attach_checked(m_connection, segment->id, shmId, 0));
+    // Marked for removal at once: the kernel frees it when both sides have detached, even after a crash.
+    shmctl(shmId, IPC_RMID, nullptr);
+    if (address == reinterpret_cast<void *>(-1))
+        return nullptr;
+    if (error) {
+        std::free(error);
+        shmdt(address);
+        m_isAvailable = false;
+        return nullptr;
+    }
+    segment->address = address;
+    segment->size = bytes;
+    return segment;
+}
+
+std::shared_ptr<X11ShmSegments::Segment> X11ShmSegments::acquire(size_t bytes)
+{
+    std::shared_ptr<Segment> best;
+    for (const std::shared_ptr<Segment> &segment : m_segments) {
+        if (segment.use_count() == 1 && segment->size >= bytes && (!best || segment->size < best->size))
+            best = segment;
+    }
+    if (best)
+        return best;
+    best = create(bytes);
+    if (best)
+        m_segments.push_back(best);
+    return best;
+}
+
+QImage X11ShmSegments::grab(xcb_drawable_t drawable, const QRect &rect, QImage::Format format)
+{
+    if (!m_isAvailable || rect.isEmpty())
+        return {};
+    const size_t stride = size_t(rect.width()) * 4;
+    std::shared_ptr<Segment> segment = acquire(stride * size_t(rect.height()));
+    if (!segment)
+        return {};
+    xcb_generic_error_t *error = nullptr;
+    xcb_shm_get_image_reply_t *reply = xcb_shm_get_image_reply(
+        m_connection,
+        xcb_shm_get_image(m_connection, drawable, qint16(rect.x()), qint16(rect.y()), quint16(rect.width()),
+                          quint16(rect.height()), ~0u, XCB_IMAGE_FORMAT_Z_PIXMAP, segment->id, 0),
+        &error);
+    std::free(error);
+    if (!reply)
+        return {};
+    std::free(reply);
+    // The image holds a reference to its segment; dropping the last copy of the image lets it go.
+    auto *hold = new std::shared_ptr<Segment>(segment);
+    return QImage(static_cast<uchar *>(segment->address), rect.width(), rect.height(), qsizetype(stride), format,
+                  [](void *info) { delete static_cast<std::shared_ptr<Segment> *>(info); }, hold);
+}
+
+void X11ShmSegments::trim(size_t count)
+{
+    size_t unused = 0;
+    for (auto it = m_segments.begin(); it != m_segments.end();) {
+        if ((*it).use_count() == 1 && ++unused > count) {
+            xcb_shm_detach(m_connection, (*it)->id);
+            shmdt((*it)->address);
+            it = m_segments.erase(it);
+        } else {
+            ++it;
+        }
+    }
+    xcb_flush(m_connection);
+}

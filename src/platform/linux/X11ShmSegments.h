@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QImage>
+#include <QRect>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <xcb/xcb.h>
+#include <xcb/shm.h>
+
+// Shared-memory segments the X server copies screen pixels into (MIT-SHM), kept and reused: making a
+// segment costs more than the grab itself. An image handed out may keep reading its segment; the
+// segment stays out of reuse until the last copy of that image is gone, on whichever thread that is.
+// Making, reusing and dropping segments happens on the main thread only.
+class X11ShmSegments final
+{
+public:
+    explicit X11ShmSegments(xcb_connection_t *connection);
+    ~X11ShmSegments();
+
+    X11ShmSegments(const X11ShmSegments &) = delete;
+    X11ShmSegments &operator=(const X11ShmSegments &) = delete;
+
+    // False when the server has no MIT-SHM (a remote display) or attaching failed once.
+    bool isAvailable() const { return m_isAvailable; }
+
+    // The pixels of `rect` of `drawable` (32 bits per pixel, as the root's format is checked to be),
+    // reading straight from a segment; a null image when the server refused.
+    QImage grab(xcb_drawable_t drawable, const QRect &rect, QImage::Format format);
+    // Keeps at most `count` unused segments, dropping the others.
+    void trim(size_t count);
+
+private:
+    struct Segment;
+    std::shared_ptr<Segment> acquire(size_t bytes);
+    std::shared_ptr<Segment> create(size_t bytes);
+
+    xcb_connection_t *m_connection;
+    bool m_isAvailable = false;
+    std::vector<std::shared_ptr<Segment>> m_segments;
+};

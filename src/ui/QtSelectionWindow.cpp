@@ -1,0 +1,121 @@
+#include "QtSelectionWindow.h"
+
+#include "DesktopSpace.h"
+#include "InputGrab.h"
+#include "SelectionOverlayWidget.h"
+
+#include "platform/DisplayProvider.h"
+
+#include <QWindow>
+
+QtSelectionWindow::QtSelectionWindow(SelectionOverlayWidget *widget, const DisplayProvider &displays,
+                                     InputGrab &grab)
+    : m_widget(widget), m_displays(displays), m_grab(grab)
+{
+}
+
+QtSelectionWindow::~QtSelectionWindow()
+{
+    if (m_holdsGrab && m_widget)
+        m_grab.release();
+}
+
+Rect QtSelectionWindow::frame() const
+{
+    if (!m_widget)
+        return Rect();
+    return DesktopSpace::current().toGlobal(QRectF(m_widget->geometry()));
+}
+
+void QtSelectionWindow::setFrame(const Rect &frame)
+{
+    if (!m_widget)
+        return;
+    const DesktopSpace space = DesktopSpace::current();
+    const QRect logical = space.fromGlobal(frame).toAlignedRect();
+    // The window takes the scale of the display it covers; Qt would otherwise keep the display it
+    // was made on, and displays of other scales would get a window of the wrong pixel size.
+    if (const DesktopScreen *display = desktopspace::screenAtLogical(QRectF(logical).center(), space.screens())) {
+        if (QScreen *screen = DesktopSpace::qscreen(display->name)) {
+            m_widget->winId();
+            m_widget->windowHandle()->setScreen(screen);
+        }
+    }
+    m_widget->setGeometry(logical);
+    m_widget->displayIfNeeded();
+}
+
+std::optional<DisplayInfo> QtSelectionWindow::screen() const
+{
+    const Rect own = frame();
+    std::optional<DisplayInfo> best;
+    double bestArea = 0;
+    for (const DisplayInfo &display : m_displays.screens()) {
+        const Rect overlap = own.intersected(display.frame);
+        const double area = overlap.isNull() ? 0 : overlap.width() * overlap.height();
+        if (area > bestArea) {
+            bestArea = area;
+            best = display;
+        }
+    }
+    return best;
+}
+
+Rect QtSelectionWindow::convertRectToScreen(const Rect &rect) const
+{
+    const Rect own = frame();
+    return rect.translated(own.minX(), own.minY());
+}
+
+QPointF QtSelectionWindow::convertPointFromScreen(QPointF point) const
+{
+    const Rect own = frame();
+    return point - QPointF(own.minX(), own.minY());
+}
+
+void QtSelectionWindow::setContentView(SelectionView *view)
+{
+    if (m_widget)
+        m_widget->setView(view);
+}
+
+void QtSelectionWindow::setNeedsDisplay()
+{
+    if (m_widget)
+        m_widget->setNeedsDisplay();
+}
+
+void QtSelectionWindow::displayIfNeeded()
+{
+    if (m_widget)
+        m_widget->displayIfNeeded();
+}
+
+void QtSelectionWindow::makeKeyAndOrderFront()
+{
+    orderFront();
+    if (!m_widget)
+        return;
+    m_grab.grab(*m_widget->windowHandle());
+    m_holdsGrab = true;
+    m_widget->setFocus(Qt::ActiveWindowFocusReason);
+}
+
+void QtSelectionWindow::orderFront()
+{
+    if (!m_widget)
+        return;
+    m_widget->show();
+    m_widget->raise();
+}
+
+void QtSelectionWindow::orderOut()
+{
+    if (!m_widget)
+        return;
+    if (m_holdsGrab) {
+        m_grab.release();
+        m_holdsGrab = false;
+    }
+    m_widget->hide();
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/SelectionWindow.h"
+
+#include <QPointer>
+
+class DisplayProvider;
+class InputGrab;
+class SelectionOverlayWidget;
+
+// The capture core's handle on one overlay window. The widget itself belongs to the factory, which
+// outlives the event loop only as long as the application object does; the core's pool may be torn
+// down later, at exit, so every call tolerates a widget that is already gone. Main thread.
+class QtSelectionWindow final : public SelectionWindow
+{
+public:
+    QtSelectionWindow(SelectionOverlayWidget *widget, const DisplayProvider &displays, InputGrab &grab);
+    ~QtSelectionWindow() override;
+
+    Rect frame() const override;
+    void setFrame(const Rect &frame) override;
+    std::optional<DisplayInfo> screen() const override;
+    Rect convertRectToScreen(const Rect &rect) const override;
+    QPointF convertPointFromScreen(QPointF point) const override;
+
+    void setContentView(SelectionView *view) override;
+    void setNeedsDisplay() override;
+    void displayIfNeeded() override;
+
+    void makeKeyAndOrderFront() override;
+    void orderFront() override;
+    void orderOut() override;
+
+private:
+    QPointer<SelectionOverlayWidget> m_widget;
+    const DisplayProvider &m_displays;
+    InputGrab &m_grab;
+    bool m_holdsGrab = false;
+};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "SelectionOverlayRouter.h"
+
+#include "platform/SelectionWindowFactory.h"
+
+#include <memory>
+#include <vector>
+
+class DisplayProvider;
+class InputGrab;
+class SelectionOverlayWidget;
+
+// Makes the overlay windows as Qt widgets and owns them, so they are gone before the application
+// object is. Main thread.
+class QtSelectionWindowFactory final : public SelectionWindowFactory
+{
+public:
+    QtSelectionWindowFactory(const DisplayProvider &displays, InputGrab &grab);
+    ~QtSelectionWindowFactory() override;
+
+    std::unique_ptr<SelectionWindow> makeSelectionWindow() override;
+
+    const std::vector<std::unique_ptr<SelectionOverlayWidget>> &widgets() const { return m_widgets; }
+
+private:
+    const DisplayProvider &m_displays;
+    InputGrab &m_grab;
+    SelectionOverlayRouter m_router;
+    std::vector<std::unique_ptr<SelectionOverlayWidget>> m_widgets;
+};

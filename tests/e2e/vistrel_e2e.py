@@ -1,0 +1,222 @@
+"""Helpers of the end-to-end tests: start and stop Vistrel inside the private desktop of
+run-in-session.sh, drive it with xdotool, read back the diagnostics log, the saved files, the
+clipboard (xclip) and the screen, and compare pictures pixel for pixel.
+
+Every test script is run as   SCRIPT VISTREL X11_PROBE   and exits 0 when every check passed."""
+import json
+import time
+import os
+import re
+import subprocess
+import sys
+import time
+
+from PIL import Image, ImageChops
+
+VISTREL = sys.argv[1]
+PROBE = sys.argv[2]
+SESSION = os.environ["VISTREL_E2E_DIR"]
+HOME = os.environ["HOME"]
+LOG = os.path.join(os.environ["XDG_STATE_HOME"], "Vistrel", "diagnostics.log")
+SETTINGS = os.path.join(os.environ["XDG_CONFIG_HOME"], "Vistrel", "settings.json")
+SAVE_FOLDER = os.path.join(HOME, "Desktop")
+NAME_PATTERN = re.compile(r"^Vistrel_\d{4}-\d\d-\d\d_\d\d-\d\d-\d\d\.png$")
+
+failures = []
+
+
+def check(condition, message):
+    if not condition:
+        failures.append(message)
+        print("FAIL:", message, flush=True)
+    return condition
+
+
+def finish(name):
+    print(f"{name}:", "failed" if failures else "passed", flush=True)
+    if failures:
+        print("--- diagnostics log ---")
+        print("\n".join(log_lines()))
+    sys.exit(1 if failures else 0)
+
+
+def run(*arguments, **options):
+    return subprocess.run(list(arguments), capture_output=True, text=True, **options)
+
+
+def wait_until(condition, timeout=10.0, interval=0.05):
+    deadline = time.monotonic() + timeout
+    while time.monotonic() < deadline:
+        value = condition()
+        if value:
+            return value
+        time.sleep(interval)
+    return condition()
+
+
+def log_lines():
+    try:
+        with open(LOG, encoding="utf-8") as log:
+            return [line.rstrip("\n").split("] ", 1)[-1] for line in log]
+    except FileNotFoundError:
+        return []
+
+
+def wait_for_line(text, after=0, timeout=10.0):
+    """The first diagnostics line from index `after` on that starts with `text`, or None."""
+    def find():
+        for line in log_lines()[after:]:
+            if line.startswith(text):
+                return line
+        return None
+    return wait_until(find, timeout)
+
+
+class Vistrel:
+    """One running vistrel process, with its standard error (the system log) kept in a file."""
+
+    def __init__(self, extra_environment=None, tag="vistrel"):
+        self.stderr_path = os.path.join(SESSION, f"{tag}.stderr")
+        environment = dict(os.environ, **(extra_environment or {}))
+        before = len(log_lines())
+        self.process = subprocess.Popen([VISTREL], stdout=subprocess.DEVNULL,
+                                        stderr=open(self.stderr_path, "w"), env=environment)
+        self.started = wait_for_line("applicationDidFinishLaunching completed", before) is not None
+        check(self.started, "vistrel did not finish launching")
+
+    def system_log(self):
+        with open(self.stderr_path, encoding="utf-8", errors="replace") as stderr:
+            return stderr.read()
+
+    def quit(self):
+        """Asks the running instance to quit, as a second start would, and waits for it to end."""
+        asked = run(VISTREL, "quit", timeout=20)
+        try:
+            self.process.wait(timeout=10)
+        except subprocess.TimeoutExpired:
+            self.process.kill()
+            check(False, f"vistrel did not quit when asked ({asked.returncode}: {asked.stderr.strip()}); "
+                         f"its system log: {self.system_log()}")
+
+
+def key(keys):
+    run("xdotool", "key", keys)
+
+
+def move(x, y):
+    run("xdotool", "mousemove", str(x), str(y))
+
+
+def drag(start, end, during=None):
+    """Presses at `start`, moves in steps to `end` and releases; `during` runs before the release."""
+    move(*start)
+    time.sleep(0.05)
+    run("xdotool", "mousedown", "1")
+    for step in range(1, 6):
+        move(start[0] + (end[0] - start[0]) * step // 5, start[1] + (end[1] - start[1]) * step // 5)
+        time.sleep(0.02)
+    if during:
+        during()
+    run("xdotool", "mouseup", "1")
+
+
+def start_selection(shortcut="shift+super+s"):
+    """Presses the capture shortcut and waits until every overlay window is up."""
+    before = len(log_lines())
+    key(shortcut)
+    shown = wait_for_line("showSelectionWindow screens=", before)
+    if not check(shown, f"{shortcut} did not show the overlay"):
+        return False
+    count = int(shown.split("screens=")[1].split()[0])
+    wait_until(lambda: len([l for l in log_lines()[before:] if l.startswith("selection window display=")]) >= count)
+    wait_until(lambda: len(overlay_windows()) >= count, timeout=5)
+    time.sleep(0.2)
+    return True
+
+
+def overlay_windows():
+    """Geometry ("WxH+X+Y") of each mapped override-redirect window of vistrel."""
+    tree = run("xwininfo", "-root", "-children").stdout
+    windows = []
+    for line in tree.splitlines():
+        match = re.match(r"\s+(0x[0-9a-f]+) .*\(\"vistrel\" \"Vistrel\"\)\s+(\d+x\d+\+-?\d+\+-?\d+)", line)
+        if not match:
+            continue
+        info = run("xwininfo", "-id", match.group(1)).stdout
+        if "Map State: IsViewable" in info and "Override Redirect State: yes" in info:
+            windows.append(match.group(2))
+    return windows
+
+
+def saved_files():
+    try:
+        return sorted(name for name in os.listdir(SAVE_FOLDER) if name.endswith(".png"))
+    except FileNotFoundError:
+        return []
+
+
+def wait_for_save(after):
+    line = wait_for_line("saveImage success path=", after)
+    return line.split("path=", 1)[1] if line else None
+
+
+def background():
+    return Image.open(os.environ["VISTREL_E2E_BACKGROUND"]).convert("RGB")
+
+
+def screen():
+    path = os.path.join(SESSION, "screen.png")
+    run("import", "-window", "root", path)
+    return Image.open(path).convert("RGB")
+
+
+def differs(expected, actual):
+    """None when both pictures are the same pixel for pixel, else a description."""
+    if expected.size != actual.size:
+        return f"size {actual.size}, expected {expected.size}"
+    box = ImageChops.difference(expected.convert("RGB"), actual.convert("RGB")).getbbox()
+    return f"pixels differ in {box}" if box else None
+
+
+def clipboard_png():
+    path = os.path.join(SESSION, "clipboard.png")
+    with open(path, "wb") as out:
+        subprocess.run(["xclip", "-selection", "clipboard", "-t", "image/png", "-o"], stdout=out, timeout=10)
+    try:
+        return Image.open(path)
+    except Exception as error:  # noqa: BLE001 - whatever xclip gave is reported
+        check(False, f"the clipboard's image/png is not a PNG: {error}")
+        return None
+
+
+def cursor_blank():
+    return run(PROBE, "cursor-blank").stdout.strip() == "1"
+
+
+def settings():
+    with open(SETTINGS, encoding="utf-8") as file:
+        return json.load(file)
+
+
+def notifications_shown():
+    return int(run("dunstctl", "count", "displayed").stdout.strip() or 0)
+
+
+def editor_windows():
+    return run("xdotool", "search", "--onlyvisible", "--name", "^Vistrel 編集$").stdout.split()
+
+
+class BellCounter:
+    """Counts rings of the display bell (the system beep) from its start on."""
+
+    def __init__(self):
+        self.path = os.path.join(SESSION, "bells")
+        self.process = subprocess.Popen([PROBE, "count-bells"], stdout=open(self.path, "w"))
+        check(wait_until(lambda: "watching" in open(self.path).read(), 5), "the bell watcher did not start")
+
+    def count(self):
+        return open(self.path).read().count("bell")
+
+    def stop(self):
+        self.process.kill()
+        self.process.wait()

@@ -1,0 +1,112 @@
+// The conversions between device pixels, Qt's logical space and the global bottom-left space, on
+// layouts with mixed scales (whose logical space has gaps) and with a spanning automatic monitor.
+#include "DesktopSpace.h"
+#include "TestPrinters.h"
+
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Two 1920x1080-pixel monitors side by side, the left one at 2x: logically 960x540 and 1920x1080.
+const QList<DesktopScreen> mixed = {
+    {u"LEFT"_s, QRect(0, 0, 960, 540), QRect(0, 0, 960, 540), QRect(0, 0, 1920, 1080), 2},
+    {u"RIGHT"_s, QRect(1920, 0, 1920, 1080), QRect(1920, 0, 1920, 1050), QRect(1920, 0, 1920, 1080), 1},
+};
+
+} // namespace
+
+class DesktopSpaceTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void spanningMonitorIsLeftOut();
+    void nativeRectanglesLandOnTheirDisplays_data();
+    void nativeRectanglesLandOnTheirDisplays();
+    void logicalToNativeIsTheInverse_data();
+    void logicalToNativeIsTheInverse();
+    void globalSpaceFlipsAboutThePrimaryDisplay_data();
+    void globalSpaceFlipsAboutThePrimaryDisplay();
+};
+
+void DesktopSpaceTest::spanningMonitorIsLeftOut()
+{
+    QList<DesktopScreen> screens = mixed;
+    screens.prepend({u"screen"_s, QRect(0, 0, 3840, 1080), QRect(), QRect(0, 0, 3840, 1080), 1});
+    QStringList kept;
+    for (const DesktopScreen &screen : desktopspace::withoutCoveringScreens(screens))
+        kept.append(screen.name);
+    QCOMPARE(kept, (QStringList{u"LEFT"_s, u"RIGHT"_s}));
+    // Two identical monitors (mirrored outputs) both stay.
+    QCOMPARE(desktopspace::withoutCoveringScreens({mixed.at(1), mixed.at(1)}).size(), 2);
+}
+
+void DesktopSpaceTest::nativeRectanglesLandOnTheirDisplays_data()
+{
+    QTest::addColumn<QRectF>("native");
+    QTest::addColumn<QRectF>("logical");
+    QTest::newRow("inside the 2x display") << QRectF(100, 100, 200, 150) << QRectF(50, 50, 100, 75);
+    QTest::newRow("inside the 1x display") << QRectF(2100, 100, 200, 150) << QRectF(2100, 100, 200, 150);
+    // Each corner by its own display: cut to either display, the rectangle covers what that display shows.
+    QTest::newRow("spanning both") << QRectF(1800, 0, 300, 100) << QRectF(900, 0, 1200, 100);
+    QTest::newRow("ending at the edge stays on its display") << QRectF(1720, 980, 200, 100)
+                                                             << QRectF(860, 490, 100, 50);
+    QTest::newRow("beyond every display goes by the nearest") << QRectF(3900, 1100, 10, 10)
+                                                              << QRectF(3900, 1100, 10, 10);
+}
+
+void DesktopSpaceTest::nativeRectanglesLandOnTheirDisplays()
+{
+    QFETCH(QRectF, native);
+    QFETCH(QRectF, logical);
+    QCOMPARE(desktopspace::nativeToLogical(native, mixed), logical);
+}
+
+void DesktopSpaceTest::logicalToNativeIsTheInverse_data()
+{
+    QTest::addColumn<QRectF>("logical");
+    QTest::addColumn<QRect>("native");
+    QTest::newRow("whole 2x display") << QRectF(0, 0, 960, 540) << QRect(0, 0, 1920, 1080);
+    QTest::newRow("whole 1x display") << QRectF(1920, 0, 1920, 1080) << QRect(1920, 0, 1920, 1080);
+    QTest::newRow("part pixels grow to whole ones") << QRectF(10.25, 10.25, 0.5, 0.5) << QRect(20, 20, 2, 2);
+    QTest::newRow("fractional on 1x rounds outward") << QRectF(1920.5, 0.5, 1, 1) << QRect(1920, 0, 2, 2);
+}
+
+void DesktopSpaceTest::logicalToNativeIsTheInverse()
+{
+    QFETCH(QRectF, logical);
+    QFETCH(QRect, native);
+    QCOMPARE(desktopspace::logicalToNative(logical, mixed), native);
+}
+
+void DesktopSpaceTest::globalSpaceFlipsAboutThePrimaryDisplay_data()
+{
+    QTest::addColumn<QRect>("primary");
+    QTest::addColumn<QRectF>("logical");
+    QTest::addColumn<Rect>("global");
+    QTest::newRow("primary itself") << QRect(0, 0, 960, 540) << QRectF(0, 0, 960, 540) << Rect(0, 0, 960, 540);
+    QTest::newRow("taller display right of a 2x primary")
+        << QRect(0, 0, 960, 540) << QRectF(1920, 0, 1920, 1080) << Rect(1920, -540, 1920, 1080);
+    QTest::newRow("top-left selection") << QRect(0, 0, 1920, 1080) << QRectF(100, 100, 200, 150)
+                                        << Rect(100, 830, 200, 150);
+    QTest::newRow("primary not at the root origin")
+        << QRect(1920, 0, 1920, 1080) << QRectF(0, 200, 1920, 1080) << Rect(-1920, -200, 1920, 1080);
+}
+
+void DesktopSpaceTest::globalSpaceFlipsAboutThePrimaryDisplay()
+{
+    QFETCH(QRect, primary);
+    QFETCH(QRectF, logical);
+    QFETCH(Rect, global);
+    QCOMPARE(desktopspace::toGlobal(logical, primary), global);
+    QCOMPARE(desktopspace::fromGlobal(global, primary), logical);
+    QCOMPARE(desktopspace::pointToGlobal(logical.bottomLeft(), primary), global.origin());
+    const Rect topLeft = desktopspace::toTopLeftGlobal(logical, primary);
+    QCOMPARE(topLeft.origin(), logical.topLeft() - QPointF(primary.topLeft()));
+    QCOMPARE(desktopspace::fromTopLeftGlobal(topLeft, primary), logical);
+}
+
+QTEST_GUILESS_MAIN(DesktopSpaceTest)
+#include "tst_desktopspace.moc"
