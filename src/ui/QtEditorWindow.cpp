@@ -1,10 +1,13 @@
 #include "QtEditorWindow.h"
 
+#include "DesktopSpace.h"
 #include "EditorDropTargetWidget.h"
 #include "ImageEditorWidget.h"
 #include "KeyEquivalentFilter.h"
+#include "WindowFrame.h"
 
 #include <QCloseEvent>
+#include <QTimer>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -14,8 +17,20 @@
 class QtEditorWindow::Widget final : public QWidget
 {
 public:
-    explicit Widget(QtEditorWindow &owner) : m_owner(&owner) {}
+    explicit Widget(QtEditorWindow &owner) : m_owner(&owner)
+    {
+        m_fitTimer.setInterval(fitCheckInterval);
+        QObject::connect(&m_fitTimer, &QTimer::timeout, this, [this] { fitOnScreen(); });
+    }
     void forgetOwner() { m_owner = nullptr; }
+    // The size asked for is the inside; once the window manager has put its title bar and borders
+    // around it (shortly after showing, and Qt hears of them only when it asks), the whole frame is
+    // made to fit on the screen, shrunk and centred as the window rules fit windows.
+    void fitOnScreenWhenFramed()
+    {
+        m_fitChecksLeft = fitChecks;
+        m_fitTimer.start();
+    }
 
 protected:
     void closeEvent(QCloseEvent *event) override
@@ -28,7 +43,31 @@ protected:
     }
 
 private:
+    static constexpr int fitCheckInterval = 50;
+    static constexpr int fitChecks = 20;
+
+    void fitOnScreen()
+    {
+        const QMargins decoration = windowframe::decorationMargins(*this);
+        if (--m_fitChecksLeft <= 0 || !isVisible())
+            m_fitTimer.stop();
+        if (!isVisible() || !screen() || decoration.isNull())
+            return;
+        m_fitTimer.stop();
+        const QRect frame = frameGeometry();
+        const QRect available = screen()->availableGeometry();
+        if (available.contains(frame))
+            return;
+        const DesktopSpace space = DesktopSpace::current();
+        const QRect fitted =
+            space.fromGlobal(windowrules::fittedFrame(space.toGlobal(frame), space.toGlobal(available))).toAlignedRect();
+        setMinimumSize(minimumSize().boundedTo(fitted.marginsRemoved(decoration).size()));
+        windowframe::setFrameGeometry(*this, fitted);
+    }
+
     QtEditorWindow *m_owner;
+    QTimer m_fitTimer;
+    int m_fitChecksLeft = 0;
 };
 
 namespace {
@@ -123,6 +162,7 @@ void QtEditorWindow::makeKeyAndOrderFront()
 {
     if (!m_widget)
         return;
+    static_cast<Widget *>(m_widget.data())->fitOnScreenWhenFramed();
     m_widget->showNormal();
     m_widget->raise();
     m_widget->activateWindow();

@@ -3,6 +3,7 @@
 #include "DesktopSpace.h"
 #include "KeyEquivalentFilter.h"
 #include "SettingsFormWidget.h"
+#include "WindowFrame.h"
 
 #include "app/SettingsForm.h"
 #include "app/SettingsFormTexts.h"
@@ -78,15 +79,7 @@ void QtSettingsWindow::setFrame(const Rect &frame)
 {
     if (!m_widget)
         return;
-    // The frame includes the title bar and borders; Qt places and sizes the inside.
-    const QRect outer = fromGlobal(frame);
-    const QMargins decoration(m_widget->geometry().left() - m_widget->frameGeometry().left(),
-                              m_widget->geometry().top() - m_widget->frameGeometry().top(),
-                              m_widget->frameGeometry().right() - m_widget->geometry().right(),
-                              m_widget->frameGeometry().bottom() - m_widget->geometry().bottom());
-    const QRect inner = outer.marginsRemoved(decoration);
-    m_widget->resize(inner.size());
-    m_widget->move(outer.topLeft());
+    windowframe::setFrameGeometry(*m_widget, fromGlobal(frame));
 }
 
 void QtSettingsWindow::makeKeyAndOrderFront()

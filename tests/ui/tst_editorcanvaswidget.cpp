@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QInputMethodEvent>
+#include <QPainter>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSlider>
@@ -24,6 +25,7 @@ private slots:
     void dragsLandAtImagePoints();
     void canvasFollowsTheZoom();
     void opensCentredOnTheImage();
+    void showsWhatTheViewPaintsWhereverItIsScrolled();
     void editModeMovesWithTheRealPointer();
     void textBoxTakesTypingAndFollowsZoom();
     void japaneseComposesThroughTheInputMethod();
@@ -93,6 +95,30 @@ void EditorCanvasWidgetTest::opensCentredOnTheImage()
     const QSize visible = area->viewport()->size();
     QCOMPARE(area->horizontalScrollBar()->value(), qRound(anchor.x() - visible.width() / 2.0));
     QCOMPARE(area->verticalScrollBar()->value(), qRound(anchor.y() - visible.height() / 2.0));
+}
+
+void EditorCanvasWidgetTest::showsWhatTheViewPaintsWhereverItIsScrolled()
+{
+    EditorWidgetFixture f;
+    QVERIFY(f.isReady());
+    f.scheduler.advance(1);
+    f.drag({{40, 260}, {160, 180}});
+    f.widget.toolbar()->toolButton(EditorTool::Freehand)->click();
+    f.drag({{60, 100}, {80, 130}, {100, 95}, {120, 140}, {150, 90}});
+    f.widget.toolbar()->toolButton(EditorTool::Mosaic)->click();
+    f.drag({{200, 250}, {350, 150}});
+
+    // The canvas as the window shows it, against the view painted on a picture of its own.
+    QImage expected(f.canvas()->size(), QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&expected);
+    f.view->paintCanvas(painter);
+    painter.end();
+    const QImage window = f.widget.grab().toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    QWidget *viewport = f.widget.scrollArea()->viewport();
+    const QRect visible(viewport->mapTo(&f.widget, QPoint(0, 0)), viewport->size());
+    const QPoint canvasOrigin = f.canvas()->mapTo(&f.widget, QPoint(0, 0));
+    QVERIFY(canvasOrigin.x() < 0 && canvasOrigin.y() < visible.top());
+    QCOMPARE(window.copy(visible), expected.copy(visible.translated(-canvasOrigin)));
 }
 
 void EditorCanvasWidgetTest::editModeMovesWithTheRealPointer()
