@@ -94,6 +94,7 @@ QWidget *SettingsFormWidget::makeSavingSection()
     auto *prefixLabel = new QLabel(texts::prefixField, box);
     m_prefix = new QLineEdit(box);
     m_prefix->setPlaceholderText(texts::prefixField);
+    m_prefix->setAccessibleName(texts::prefixField);
     prefixLabel->setBuddy(m_prefix);
     connect(m_prefix, &QLineEdit::textEdited, this, [this](const QString &text) { m_settings.setFilenamePrefix(text); });
     prefixRow->addWidget(prefixLabel);

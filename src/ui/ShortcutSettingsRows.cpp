@@ -37,6 +37,8 @@ ShortcutSettingsRows::ShortcutSettingsRows(SettingsForm &form, SettingsForm::Sho
         button->setText(toggle.title);
         button->setCheckable(true);
         button->setMinimumWidth(36);
+        // "⌘" alone says little when read out; the row it belongs to says which shortcut.
+        button->setAccessibleName(SettingsForm::heading(shortcut) + u' ' + toggle.title);
         const ShortcutKeyCombo::Modifier modifier = toggle.modifier;
         connect(button, &QToolButton::toggled, this,
                 [this, modifier](bool on) { m_form.setModifier(m_shortcut, modifier, on); });
