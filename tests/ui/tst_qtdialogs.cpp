@@ -1,5 +1,9 @@
+#include "QtAlertPresenter.h"
 #include "QtFolderChooser.h"
+#include "QtOpenPanel.h"
 #include "QtUpdateUserDriver.h"
+
+#include "editor/EditorImageSources.h"
 
 #include <QApplication>
 #include <QFileDialog>
@@ -37,6 +41,9 @@ private slots:
     void offerTellsWhichButtonWasChosen_data();
     void offerTellsWhichButtonWasChosen();
     void noticeShowsItsTexts();
+    void alertShowsItsTexts();
+    void openPanelOffersOneImage();
+    void openPanelCancelled();
 };
 
 void QtDialogsTest::folderChooserOffersFoldersOnly()
@@ -100,6 +107,50 @@ void QtDialogsTest::noticeShowsItsTexts()
     QtUpdateUserDriver driver;
     driver.runModalNotice(u"最新のバージョンです"_s, u"Vistrel 1.0"_s);
     QCOMPARE(seen, (QStringList{u"Vistrel"_s, u"最新のバージョンです"_s, u"Vistrel 1.0"_s}));
+}
+
+void QtDialogsTest::alertShowsItsTexts()
+{
+    QStringList seen;
+    whenShown<QMessageBox>([&](QMessageBox *box) {
+        seen << box->windowTitle() << box->text() << box->informativeText() << QString::number(box->buttons().size());
+        box->accept();
+    });
+    QtAlertPresenter alerts;
+    alerts.runModalAlert(u"画像を開けませんでした"_s, u"対応している画像ファイルを選択してください。"_s);
+    QCOMPARE(seen, (QStringList{u"Vistrel"_s, u"画像を開けませんでした"_s, u"対応している画像ファイルを選択してください。"_s,
+                                u"1"_s}));
+}
+
+void QtDialogsTest::openPanelOffersOneImage()
+{
+    QTemporaryDir folder;
+    const QString picture = folder.filePath(u"shot.png"_s);
+    QImage(4, 4, QImage::Format_RGB32).save(picture);
+    QString prompt;
+    QFileDialog::FileMode mode = QFileDialog::Directory;
+    QStringList filters;
+    whenShown<QFileDialog>([&](QFileDialog *dialog) {
+        prompt = dialog->labelText(QFileDialog::Accept);
+        mode = dialog->fileMode();
+        filters = dialog->mimeTypeFilters();
+        dialog->selectFile(picture);
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    QtOpenPanel panel;
+    const OpenPanel::Request request = EditorImageSources::imagePanelRequest();
+    QCOMPARE(panel.runModal(request), QUrl::fromLocalFile(picture));
+    QCOMPARE(prompt, u"開く"_s);
+    QCOMPARE(mode, QFileDialog::ExistingFile);
+    QCOMPARE(filters, request.allowedContentTypes);
+    QVERIFY(filters.contains(u"image/png"_s));
+}
+
+void QtDialogsTest::openPanelCancelled()
+{
+    whenShown<QFileDialog>([](QFileDialog *dialog) { dialog->reject(); });
+    QtOpenPanel panel;
+    QCOMPARE(panel.runModal(EditorImageSources::imagePanelRequest()), std::nullopt);
 }
 
 QTEST_MAIN(QtDialogsTest)
