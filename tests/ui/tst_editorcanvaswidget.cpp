@@ -140,11 +140,9 @@ void EditorCanvasWidgetTest::textBoxTakesTypingAndFollowsZoom()
 {
     EditorWidgetFixture f;
     QVERIFY(f.isReady());
-    f.widget.toolbar()->toolButton(EditorTool::Text)->click();
-    f.drag({{50, 250}});
+    OverlayTextField *field = f.addTextBox({50, 250});
     QCOMPARE(f.model->overlays().size(), 1);
     const QUuid id = f.model->overlays().first().id;
-    OverlayTextField *field = f.canvas()->textField(id);
     QVERIFY(field);
     QTRY_VERIFY(field->hasFocus());
     QCOMPARE(field->toPlainText(), u"テキスト"_s);
@@ -168,9 +166,8 @@ void EditorCanvasWidgetTest::japaneseComposesThroughTheInputMethod()
 {
     EditorWidgetFixture f;
     QVERIFY(f.isReady());
-    f.widget.toolbar()->toolButton(EditorTool::Text)->click();
-    f.drag({{50, 250}});
-    OverlayTextField *field = f.canvas()->textField(f.model->overlays().first().id);
+    OverlayTextField *field = f.addTextBox({50, 250});
+    QVERIFY(field);
     QTRY_VERIFY(field->hasFocus());
     QVERIFY(field->testAttribute(Qt::WA_InputMethodEnabled));
     QVERIFY(field->inputMethodQuery(Qt::ImEnabled).toBool());
@@ -203,9 +200,8 @@ void EditorCanvasWidgetTest::undoAndRedoReachTheDocumentFromATextBox()
 {
     EditorWidgetFixture f;
     QVERIFY(f.isReady());
-    f.widget.toolbar()->toolButton(EditorTool::Text)->click();
-    f.drag({{50, 250}});
-    OverlayTextField *field = f.canvas()->textField(f.model->overlays().first().id);
+    OverlayTextField *field = f.addTextBox({50, 250});
+    QVERIFY(field);
     QTRY_VERIFY(field->hasFocus());
     QTest::keyClicks(field, u"ab"_s);
     QCOMPARE(f.model->overlays().first().text, u"ab"_s);

@@ -150,7 +150,7 @@ void QtEditorWindowTest::droppedFileOpensTheFirstOnly()
 void QtEditorWindowTest::corruptFileGetsTheAlert()
 {
     EditorWindowsFixture f;
-    const QString path = f.folder.filePath(u"broken.png"_s);
+    const QString path = f.captureFolder.filePath(u"broken.png"_s);
     QFile broken(path);
     QVERIFY(broken.open(QIODevice::WriteOnly));
     broken.write(QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\x10\0", 20));
@@ -172,7 +172,7 @@ void QtEditorWindowTest::saveWritesBesideTheSourceAndCloses()
     QVERIFY(QTest::qWaitForWindowActive(window->widget()));
     QWidget *widget = window->widget();
     f.key(window, Qt::Key_Return);
-    QCOMPARE(f.pngWriter.paths, QStringList{f.folder.filePath(u"Shot_edited.png"_s)});
+    QCOMPARE(f.fakeWriter.paths, QStringList{f.captureFolder.filePath(u"Shot_edited.png"_s)});
     QCOMPARE(f.pasteboard.writeCount, 1);
     QVERIFY(!f.manager.editorWindow());
     QVERIFY(!widget->isVisible());

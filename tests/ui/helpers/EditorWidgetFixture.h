@@ -5,12 +5,15 @@
 #include "FakeSystemLog.h"
 
 #include "EditorCanvasWidget.h"
+#include "EditorToolbarWidget.h"
 #include "ImageEditorWidget.h"
+#include "OverlayTextField.h"
 
 #include "editor/ImageEditorModel.h"
 #include "editor/ImageEditorView.h"
 
 #include <QScrollArea>
+#include <QToolButton>
 #include <QTest>
 #include <QWindow>
 
@@ -56,6 +59,14 @@ struct EditorWidgetFixture
             QTest::mouseMove(canvas(), at(path.at(i)));
         QTest::mouseRelease(canvas(), Qt::LeftButton, {}, at(path.last()));
         scheduler.runUntilIdle();
+    }
+
+    // A text box made by a press of the text tool at `imagePoint`, and its field.
+    OverlayTextField *addTextBox(QPointF imagePoint)
+    {
+        widget.toolbar()->toolButton(EditorTool::Text)->click();
+        drag({imagePoint});
+        return model->overlays().isEmpty() ? nullptr : canvas()->textField(model->overlays().last().id);
     }
 
     // A key as the desktop delivers it: to the window first.

@@ -1,66 +1,27 @@
 #pragma once
 
-#include "FakeAlertPresenter.h"
-#include "FakeApplicationControl.h"
-#include "FakeClock.h"
-#include "FakeDiagnosticsLog.h"
-#include "FakeDisplayProvider.h"
-#include "FakeKeyValueStore.h"
-#include "FakeLoginItemService.h"
-#include "FakeOpenPanel.h"
-#include "FakePasteboard.h"
-#include "FakePngWriter.h"
-#include "FakeScheduler.h"
-#include "FakeSystemLog.h"
-#include "FakeUserNotifier.h"
+#include "../../core/helpers/EditorManagerFixture.h"
 
 #include "QtEditorWindow.h"
 #include "QtEditorWindowFactory.h"
 
-#include "app/NotificationCenter.h"
-#include "editor/ImageEditorManager.h"
-#include "settings/AppSettings.h"
-
 #include <QCoreApplication>
-#include <QTemporaryDir>
 #include <QTest>
 
-// The editor window manager with real Qt windows, on fakes for everything else.
-struct EditorWindowsFixture
+struct QtWindowFactoryHolder
 {
-    EditorWindowsFixture() { settings.setSaveFolderPath(folder.path()); }
-    ~EditorWindowsFixture()
-    {
-        scheduler.runUntilIdle();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
+    QtEditorWindowFactory qtWindows;
+};
 
-    FakeKeyValueStore store;
-    FakeLoginItemService loginItem;
-    FakeSystemLog systemLog;
-    FakeDiagnosticsLog diagnostics;
-    NotificationCenter notifications;
-    AppSettings settings{store, loginItem, systemLog, notifications};
-    FakeScheduler scheduler;
-    FakeClock clock;
-    FakeDisplayProvider displays;
-    FakeApplicationControl application;
-    FakeUserNotifier notifier;
-    FakePasteboard pasteboard;
-    FakePngWriter pngWriter;
-    QtEditorWindowFactory windows;
-    FakeAlertPresenter alerts;
-    FakeOpenPanel openPanel;
-    QTemporaryDir folder;
-    ImageEditorManager manager{ImageEditorServices{settings, store, diagnostics, systemLog, scheduler, clock, displays,
-                                                   application, notifier, pasteboard, pngWriter, windows, alerts,
-                                                   openPanel}};
+// The editor window manager with real Qt windows, on fakes for everything else.
+struct EditorWindowsFixture : QtWindowFactoryHolder, EditorManagerFixture
+{
+    EditorWindowsFixture() : EditorManagerFixture(nullptr, &qtWindows) {}
+    ~EditorWindowsFixture() { settle(); }
 
     static QImage picture(int width = 300, int height = 200)
     {
-        QImage image(width, height, QImage::Format_RGB32);
-        image.fill(QColor(30, 140, 90));
-        return image;
+        return EditorManagerFixture::picture(width, height, QColor(30, 140, 90));
     }
 
     QtEditorWindow *primary() const { return static_cast<QtEditorWindow *>(manager.editorWindow()); }
@@ -68,7 +29,7 @@ struct EditorWindowsFixture
     // A PNG file of `image` in the temporary folder.
     QUrl writeFile(const QString &name, const QImage &image) const
     {
-        const QString path = folder.filePath(name);
+        const QString path = captureFolder.filePath(name);
         image.save(path, "PNG");
         return QUrl::fromLocalFile(path);
     }
