@@ -1,0 +1,67 @@
+#include "MacDisplayProvider.h"
+
+#include "MacConversions.h"
+#include "MacScreens.h"
+
+#include <limits>
+
+using namespace macconversions;
+
+namespace macscreens {
+
+DisplayInfo displayInfo(NSScreen *screen)
+{
+    DisplayInfo info;
+    id number = screen.deviceDescription[@"NSScreenNumber"];
+    if ([number isKindOfClass:[NSNumber class]]) {
+        const unsigned long long value = [number unsignedLongLongValue];
+        if (value <= std::numeric_limits<quint32>::max())
+            info.id = quint32(value);
+    }
+    info.frame = fromCGRect(screen.frame);
+    info.visibleFrame = fromCGRect(screen.visibleFrame);
+    info.backingScale = screen.backingScaleFactor;
+    return info;
+}
+
+} // namespace macscreens
+
+struct MacDisplayProvider::Observers
+{
+    NSMutableArray *tokens = [NSMutableArray array];
+};
+
+MacDisplayProvider::MacDisplayProvider() : m_observers(std::make_unique<Observers>()) {}
+
+MacDisplayProvider::~MacDisplayProvider()
+{
+    for (id token in m_observers->tokens)
+        [[NSNotificationCenter defaultCenter] removeObserver:token];
+}
+
+QList<DisplayInfo> MacDisplayProvider::screens() const
+{
+    QList<DisplayInfo> result;
+    for (NSScreen *screen in [NSScreen screens])
+        result.append(macscreens::displayInfo(screen));
+    return result;
+}
+
+std::optional<DisplayInfo> MacDisplayProvider::mainScreen() const
+{
+    NSScreen *screen = [NSScreen mainScreen];
+    if (!screen)
+        return std::nullopt;
+    return macscreens::displayInfo(screen);
+}
+
+void MacDisplayProvider::observeScreenParameters(std::function<void()> observer)
+{
+    id token = [[NSNotificationCenter defaultCenter] addObserverForName:NSApplicationDidChangeScreenParametersNotification
+                                                                 object:nil
+                                                                  queue:[NSOperationQueue mainQueue]
+                                                             usingBlock:^(NSNotification *) {
+                                                                 observer();
+                                                             }];
+    [m_observers->tokens addObject:token];
+}
