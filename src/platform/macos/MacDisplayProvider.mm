@@ -1,14 +1,16 @@
 #include "MacDisplayProvider.h"
 
 #include "MacConversions.h"
-#include "MacScreens.h"
+
+#import <AppKit/AppKit.h>
 
 #include <limits>
 
 using namespace macconversions;
 
-namespace macscreens {
+namespace {
 
+// The id is absent when the screen has no "NSScreenNumber" or one that is no 32-bit display id.
 DisplayInfo displayInfo(NSScreen *screen)
 {
     DisplayInfo info;
@@ -24,7 +26,7 @@ DisplayInfo displayInfo(NSScreen *screen)
     return info;
 }
 
-} // namespace macscreens
+} // namespace
 
 struct MacDisplayProvider::Observers
 {
@@ -43,7 +45,7 @@ QList<DisplayInfo> MacDisplayProvider::screens() const
 {
     QList<DisplayInfo> result;
     for (NSScreen *screen in [NSScreen screens])
-        result.append(macscreens::displayInfo(screen));
+        result.append(displayInfo(screen));
     return result;
 }
 
@@ -52,7 +54,7 @@ std::optional<DisplayInfo> MacDisplayProvider::mainScreen() const
     NSScreen *screen = [NSScreen mainScreen];
     if (!screen)
         return std::nullopt;
-    return macscreens::displayInfo(screen);
+    return displayInfo(screen);
 }
 
 void MacDisplayProvider::observeScreenParameters(std::function<void()> observer)

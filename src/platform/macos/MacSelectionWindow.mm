@@ -1,9 +1,6 @@
 #include "MacSelectionWindow.h"
 
-#include "MacScreens.h"
-
-#include "capture/CaptureGeometry.h"
-#include "platform/DisplayProvider.h"
+#import <AppKit/AppKit.h>
 
 #include <QWidget>
 
@@ -20,9 +17,8 @@ NSWindow *nativeWindow(QWidget *widget)
 
 } // namespace
 
-MacSelectionWindow::MacSelectionWindow(std::unique_ptr<SelectionWindow> qtWindow, QWidget &widget,
-                                       const DisplayProvider &displays)
-    : m_qtWindow(std::move(qtWindow)), m_widget(&widget), m_displays(displays)
+MacSelectionWindow::MacSelectionWindow(std::unique_ptr<SelectionWindow> qtWindow, QWidget &widget)
+    : m_qtWindow(std::move(qtWindow)), m_widget(&widget)
 {
     // Before the native window exists: Qt makes an NSPanel for a tool window, and keeps a tool window
     // shown while Vistrel is not the active application.
@@ -57,61 +53,6 @@ void MacSelectionWindow::applyNativeSettings()
                                 | NSWindowCollectionBehaviorTransient;
 }
 
-double MacSelectionWindow::desktopTopY() const
-{
-    return capturegeometry::desktopTopY(m_displays.screens(), m_displays.mainScreen());
-}
-
-Rect MacSelectionWindow::frame() const
-{
-    if (!m_widget)
-        return Rect();
-    return capturegeometry::cgGlobalRect(Rect::fromQRectF(QRectF(m_widget->geometry())), desktopTopY());
-}
-
-void MacSelectionWindow::setFrame(const Rect &frame)
-{
-    if (!m_widget)
-        return;
-    m_widget->setGeometry(capturegeometry::cgGlobalRect(frame, desktopTopY()).toQRectF().toAlignedRect());
-    m_qtWindow->displayIfNeeded();
-}
-
-std::optional<DisplayInfo> MacSelectionWindow::screen() const
-{
-    NSScreen *screen = nativeWindow(m_widget).screen;
-    if (!screen)
-        return std::nullopt;
-    return macscreens::displayInfo(screen);
-}
-
-Rect MacSelectionWindow::convertRectToScreen(const Rect &rect) const
-{
-    const Rect own = frame();
-    return rect.translated(own.minX(), own.minY());
-}
-
-QPointF MacSelectionWindow::convertPointFromScreen(QPointF point) const
-{
-    const Rect own = frame();
-    return point - QPointF(own.minX(), own.minY());
-}
-
-void MacSelectionWindow::setContentView(SelectionView *view)
-{
-    m_qtWindow->setContentView(view);
-}
-
-void MacSelectionWindow::setNeedsDisplay()
-{
-    m_qtWindow->setNeedsDisplay();
-}
-
-void MacSelectionWindow::displayIfNeeded()
-{
-    m_qtWindow->displayIfNeeded();
-}
-
 void MacSelectionWindow::makeKeyAndOrderFront()
 {
     m_qtWindow->makeKeyAndOrderFront();
@@ -125,9 +66,4 @@ void MacSelectionWindow::orderFront()
 {
     m_qtWindow->orderFront();
     applyNativeSettings();
-}
-
-void MacSelectionWindow::orderOut()
-{
-    m_qtWindow->orderOut();
 }

@@ -18,8 +18,7 @@ public:
 } // namespace
 
 MacSelectionWindowFactory::MacSelectionWindowFactory(const DisplayProvider &displays)
-    : m_displays(displays),
-      m_noGrab(std::make_unique<NoInputGrab>()),
+    : m_noGrab(std::make_unique<NoInputGrab>()),
       m_qtWindows(std::make_unique<QtSelectionWindowFactory>(displays, *m_noGrab))
 {
 }
@@ -30,5 +29,5 @@ std::unique_ptr<SelectionWindow> MacSelectionWindowFactory::makeSelectionWindow(
 {
     std::unique_ptr<SelectionWindow> qtWindow = m_qtWindows->makeSelectionWindow();
     SelectionOverlayWidget &widget = *m_qtWindows->widgets().back();
-    return std::make_unique<MacSelectionWindow>(std::move(qtWindow), widget, m_displays);
+    return std::make_unique<MacSelectionWindow>(std::move(qtWindow), widget);
 }

@@ -19,7 +19,6 @@ public:
     std::unique_ptr<SelectionWindow> makeSelectionWindow() override;
 
 private:
-    const DisplayProvider &m_displays;
     std::unique_ptr<InputGrab> m_noGrab;
     std::unique_ptr<QtSelectionWindowFactory> m_qtWindows;
 };
