@@ -10,6 +10,8 @@ QPointF MacCursor::location() const
 
 void MacCursor::hide()
 {
+    // Unverified: whether AppKit hides the pointer while Vistrel is not the active application (the
+    // overlay is a non-activating panel); the pointer is still over our key window then.
     [NSCursor hide];
 }
 

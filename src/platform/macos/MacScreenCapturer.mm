@@ -84,7 +84,9 @@ void MacScreenCapturer::captureDisplay(quint32 displayID, const Rect &sourceRect
 
 void MacScreenCapturer::captureRect(const Rect &globalRect, ImageCompletion completion)
 {
-    // The call exists from macOS 15.2, and only SDKs from 15.2 (Xcode 16.2) declare it.
+    // The call exists from macOS 15.2, and only SDKs from 15.2 (Xcode 16.2) declare it. Unverified here:
+    // the selector's exact spelling (+captureImageInRect:completionHandler:) and that the rectangle is
+    // in points of the top-left global space; a first run on 15.2 checks both.
 #if __MAC_OS_X_VERSION_MAX_ALLOWED >= 150200
     if (@available(macOS 15.2, *)) {
         [SCScreenshotManager captureImageInRect:toCGRect(globalRect)
