@@ -10,9 +10,10 @@
 #include "InstanceChannel.h"
 #include "X11SessionCheck.h"
 
+#include "AppLaunch.h"
+
 #include "app/AppDelegate.h"
 #include "app/CrashDiagnostics.h"
-#include "app/NotificationCenter.h"
 #include "app/SettingsWindow.h"
 #include "capture/ScreenshotManager.h"
 #include "editor/ImageEditorManager.h"
@@ -109,22 +110,12 @@ int main(int argc, char **argv)
     PlatformServices::install(services);
     platform.workspace().setTrace([](const QString &line) { CrashDiagnostics::shared().write(line); });
 
-    ScreenshotManager &capture = ScreenshotManager::shared();
-    ImageEditorManager &editor = ImageEditorManager::shared();
-    capture.setEditorHandOff(&editor);
-    AppDelegate delegate(AppDelegate::Dependencies{
-        CrashDiagnostics::shared(), *services.application, *services.statusItem, *services.hotKeys,
-        *services.notifier, *services.systemLog, *services.scheduler, *services.displays, AppSettings::shared(),
-        NotificationCenter::defaultCenter(), capture, editor,
-        []() -> UpdateCommands & { return SoftwareUpdaterModel::shared(); },
-        [&platform] { return platform.makeSettingsWindow(AppSettings::shared(), SoftwareUpdaterModel::shared()); }});
-    running = &delegate;
-    QObject::connect(&app, &QCoreApplication::aboutToQuit, &delegate, [&delegate] {
-        delegate.applicationWillTerminate();
-    });
-    delegate.applicationDidFinishLaunching();
+    const std::unique_ptr<AppDelegate> delegate = applaunch::makeDelegate(
+        app, [&platform] { return platform.makeSettingsWindow(AppSettings::shared(), SoftwareUpdaterModel::shared()); });
+    running = delegate.get();
+    delegate->applicationDidFinishLaunching();
     if (command != u"activate"_s)
-        perform(delegate, command, commandArguments);
+        perform(*delegate, command, commandArguments);
     const int status = app.exec();
     running = nullptr;
     return status;
