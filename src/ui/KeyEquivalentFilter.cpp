@@ -1,10 +1,11 @@
 #include "KeyEquivalentFilter.h"
 
 #include <QKeyEvent>
+#include <QWidget>
 #include <QWindow>
 
 KeyEquivalentFilter::KeyEquivalentFilter(QWidget *window, Handler handler)
-    : QObject(window), m_window(window), m_handler(std::move(handler))
+    : QObject(window), m_handler(std::move(handler))
 {
     // The native window exists from here on; key events reach it before its widgets.
     window->winId();

@@ -3,10 +3,11 @@
 #include "app/WindowRules.h"
 
 #include <QObject>
-#include <QPointer>
-#include <QWidget>
 
 #include <functional>
+
+class QKeyEvent;
+class QWidget;
 
 // Offers every key pressed with Control in one top-level window to a handler before anything else in
 // that window sees it (text fields, shortcuts), as macOS offers key equivalents to the window first.
@@ -28,7 +29,6 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    QPointer<QWidget> m_window;
     Handler m_handler;
     // The key press that follows a key the handler took.
     bool m_swallowsNextPress = false;

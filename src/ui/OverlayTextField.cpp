@@ -3,6 +3,8 @@
 #include <QKeyEvent>
 #include <QTextDocument>
 
+#include <algorithm>
+
 OverlayTextField::OverlayTextField(const QUuid &overlayID, QList<QKeySequence> windowKeys, QWidget *parent)
     : QPlainTextEdit(parent), m_overlayID(overlayID), m_windowKeys(std::move(windowKeys))
 {

@@ -7,9 +7,9 @@
 #include "WindowFrame.h"
 
 #include <QCloseEvent>
-#include <QTimer>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
