@@ -1,8 +1,8 @@
 // Vistrel on Linux: a tray agent on an X11 desktop. Checks the session, makes sure it is the only
 // instance, builds the platform set, hands it to the process-wide instances and runs the controller.
-//
-//   vistrel [activate|select|repeat|quit]
-// A second start hands its command to the running instance and exits.
+// The vistrel program (CommandLineMain.cpp) runs this for "activate" and "edit FILE"; a start that
+// finds Vistrel running hands its command to that instance and exits.
+#include "InstanceCommands.h"
 #include "LinuxPlatform.h"
 
 #include "DesktopWorkspace.h"
@@ -33,22 +33,9 @@ int refuse(const QString &message)
     return 1;
 }
 
-// Commands of later starts: a plain start only notes that Vistrel already runs.
-void perform(AppDelegate &delegate, const QString &command)
-{
-    if (command == u"select"_s)
-        delegate.triggerScreenshot();
-    else if (command == u"repeat"_s)
-        ScreenshotManager::shared().captureLastSelection();
-    else if (command == u"quit"_s)
-        delegate.terminateApp();
-    else
-        CrashDiagnostics::shared().write(u"instance command "_s % command % u": already running"_s);
-}
-
 } // namespace
 
-int main(int argc, char **argv)
+extern "C" Q_DECL_EXPORT int vistrelApplicationMain(int argc, char **argv)
 {
     const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     if (const std::optional<QString> missing = x11session::missingDisplayMessage(environment))
@@ -68,10 +55,11 @@ int main(int argc, char **argv)
 
     InstanceChannel channel(QDBusConnection::sessionBus());
     AppDelegate *running = nullptr;
-    const InstanceChannel::Outcome outcome = channel.listen([&running](const QString &received, const QStringList &) {
-        if (running)
-            perform(*running, received);
-    });
+    const InstanceChannel::Outcome outcome =
+        channel.listen([&running](const QString &received, const QStringList &receivedArguments) {
+            if (running)
+                instancecommands::perform(*running, received, receivedArguments);
+        });
     if (outcome == InstanceChannel::Outcome::AnotherInstanceRuns) {
         if (channel.tryForward(command, arguments.mid(1)))
             return 0;
@@ -101,7 +89,7 @@ int main(int argc, char **argv)
     });
     delegate.applicationDidFinishLaunching();
     if (command != u"activate"_s)
-        perform(delegate, command);
+        instancecommands::perform(delegate, command, arguments.mid(1));
     const int status = app.exec();
     running = nullptr;
     return status;

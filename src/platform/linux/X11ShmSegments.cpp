@@ -65,7 +65,7 @@ std::shared_ptr<X11ShmSegments::Segment> X11ShmSegments::acquire(size_t bytes)
     return best;
 }
 
-QImage X11ShmSegments::grab(xcb_drawable_t drawable, const QRect &rect, QImage::Format format)
+X11Pixels X11ShmSegments::grab(xcb_drawable_t drawable, const QRect &rect)
 {
     if (!m_isAvailable || rect.isEmpty())
         return {};
@@ -83,10 +83,8 @@ QImage X11ShmSegments::grab(xcb_drawable_t drawable, const QRect &rect, QImage::
     if (!reply)
         return {};
     std::free(reply);
-    // The image holds a reference to its segment; dropping the last copy of the image lets it go.
-    auto *hold = new std::shared_ptr<Segment>(segment);
-    return QImage(static_cast<uchar *>(segment->address), rect.width(), rect.height(), qsizetype(stride), format,
-                  [](void *info) { delete static_cast<std::shared_ptr<Segment> *>(info); }, hold);
+    // The pixels hold a reference to their segment; dropping the last copy of them lets it go.
+    return {segment, static_cast<const uchar *>(segment->address), rect.width(), rect.height(), qsizetype(stride)};
 }
 
 void X11ShmSegments::trim(size_t count)
