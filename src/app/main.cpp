@@ -7,6 +7,7 @@
 
 #include "DesktopWorkspace.h"
 #include "InstanceChannel.h"
+#include "ProcessMemory.h"
 #include "X11SessionCheck.h"
 
 #include "app/AppDelegate.h"
@@ -37,6 +38,7 @@ int refuse(const QString &message)
 
 extern "C" Q_DECL_EXPORT int vistrelApplicationMain(int argc, char **argv)
 {
+    processmemory::returnLargeBlocksToTheSystem();
     const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     if (const std::optional<QString> missing = x11session::missingDisplayMessage(environment))
         return refuse(*missing);
