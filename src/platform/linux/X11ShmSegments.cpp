@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include <sys/ipc.h>
+#include <sys/mman.h>
 #include <sys/shm.h>
 
 struct X11ShmSegments::Segment
@@ -10,6 +11,8 @@ struct X11ShmSegments::Segment
     xcb_shm_seg_t id = 0;
     void *address = nullptr;
     size_t size = 0;
+    // How much of the segment this process has mapped in already.
+    size_t mappedBytes = 0;
 };
 
 X11ShmSegments::X11ShmSegments(xcb_connection_t *connection) : m_connection(connection)
@@ -83,6 +86,12 @@ X11Pixels X11ShmSegments::grab(xcb_drawable_t drawable, const QRect &rect)
     if (!reply)
         return {};
     std::free(reply);
+    // The first read of freshly written pages would fault them in one by one; one call maps them all.
+    const size_t bytes = stride * size_t(rect.height());
+    if (bytes > segment->mappedBytes) {
+        madvise(segment->address, bytes, MADV_POPULATE_READ);
+        segment->mappedBytes = bytes;
+    }
     // The pixels hold a reference to their segment; dropping the last copy of them lets it go.
     return {segment, static_cast<const uchar *>(segment->address), rect.width(), rect.height(), qsizetype(stride)};
 }
