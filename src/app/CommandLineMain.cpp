@@ -66,6 +66,8 @@ int runApplication(const char *programName, const QStringList &arguments)
 
 int edit(const char *programName, const QString &file)
 {
+    if (file.isEmpty())
+        return runApplication(programName, {u"edit"_s});
     const QFileInfo info(file);
     if (!info.isFile())
         return fail(commandline::exitFailure, u"cannot open %1: there is no such file"_s.arg(file));
@@ -117,6 +119,8 @@ int main(int argc, char **argv)
         return forwardOnly(u"quit"_s);
     case commandline::Command::Edit:
         return edit(argv[0], invocation.file);
+    case commandline::Command::Settings:
+        return runApplication(argv[0], {u"settings"_s});
     case commandline::Command::Activate:
         break;
     }

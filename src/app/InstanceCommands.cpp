@@ -15,14 +15,18 @@ namespace instancecommands {
 void perform(AppDelegate &delegate, const QString &command, const QStringList &arguments)
 {
     const QString file = arguments.value(0);
-    if (command == u"select"_s) {
+    if (command == u"edit"_s && !file.isEmpty()) {
+        ImageEditorManager::shared().openImageFile(QUrl::fromLocalFile(file));
+    } else if (command == u"edit"_s) {
+        delegate.openEditorLauncher();
+    } else if (command == u"settings"_s) {
+        delegate.showSettings();
+    } else if (command == u"select"_s) {
         delegate.triggerScreenshot();
     } else if (command == u"repeat"_s) {
         ScreenshotManager::shared().captureLastSelection();
     } else if (command == u"quit"_s) {
         delegate.terminateApp();
-    } else if (command == u"edit"_s && !file.isEmpty()) {
-        ImageEditorManager::shared().openImageFile(QUrl::fromLocalFile(file));
     } else if (command == u"copy"_s && !file.isEmpty()) {
         const QImage image(file);
         if (image.isNull())

@@ -9,8 +9,9 @@ class AppDelegate;
 // over through the instance channel. Main thread.
 namespace instancecommands {
 
-// "select", "repeat", "quit", "edit FILE", "copy FILE" (a command-line capture to put on the
-// clipboard); anything else, such as a second plain start, is only noted in the diagnostics log.
+// "edit FILE" (or "edit" alone: the empty editor), "settings", "select", "repeat", "quit", "copy FILE"
+// (a command-line capture to put on the clipboard); anything else, such as a second plain start, is
+// only noted in the diagnostics log.
 void perform(AppDelegate &delegate, const QString &command, const QStringList &arguments);
 
 } // namespace instancecommands

@@ -1,5 +1,6 @@
 #include "LinuxPlatform.h"
 
+#include "AppcastSoftwareUpdater.h"
 #include "CanberraSoundPlayer.h"
 #include "DBusUserNotifier.h"
 #include "DesktopWorkspace.h"
@@ -9,12 +10,14 @@
 #include "QtAlertPresenter.h"
 #include "QtApplicationControl.h"
 #include "QtEditorWindowFactory.h"
+#include "QtFolderChooser.h"
 #include "QtKeyEventMonitor.h"
 #include "QtOpenPanel.h"
 #include "QtPasteboard.h"
 #include "QtSelectionWindowFactory.h"
+#include "QtSettingsWindow.h"
+#include "QtUpdateUserDriver.h"
 #include "TrayStatusItem.h"
-#include "UnconfiguredSoftwareUpdater.h"
 #include "X11Cursor.h"
 #include "X11DisplayProvider.h"
 #include "X11HotKeyRegistrar.h"
@@ -70,16 +73,31 @@ LinuxPlatform::LinuxPlatform(xcb_connection_t *connection, const QProcessEnviron
       m_workspace(std::make_unique<DesktopWorkspace>()),
       m_keyMonitor(std::make_unique<QtKeyEventMonitor>()),
       m_pngWriter(std::make_unique<FastPngWriter>()),
-      m_updater(std::make_unique<UnconfiguredSoftwareUpdater>(*m_systemLog)),
+      m_updateDialogs(std::make_unique<QtUpdateUserDriver>()),
+      m_updater(std::make_unique<AppcastSoftwareUpdater>(
+          AppcastSoftwareUpdater::Configuration{AppcastSoftwareUpdater::configuredFeedURL(),
+                                                QStringLiteral(VISTREL_BUILD_VERSION), QStringLiteral(VISTREL_VERSION)},
+          AppcastSoftwareUpdater::Services{*m_store, *m_scheduler, *m_clock, *m_workspace, *m_updateDialogs,
+                                           *m_systemLog})),
       m_inputGrab(std::make_unique<X11InputGrab>(connection)),
       m_selectionWindows(std::make_unique<QtSelectionWindowFactory>(*m_displays, *m_inputGrab)),
       m_editorWindows(std::make_unique<QtEditorWindowFactory>()),
       m_alerts(std::make_unique<QtAlertPresenter>()),
-      m_openPanel(std::make_unique<QtOpenPanel>())
+      m_openPanel(std::make_unique<QtOpenPanel>()),
+      m_folderChooser(std::make_unique<QtFolderChooser>())
 {
 }
 
 LinuxPlatform::~LinuxPlatform() = default;
+
+std::unique_ptr<SettingsWindow> LinuxPlatform::makeSettingsWindow(AppSettings &settings,
+                                                                  SoftwareUpdaterModel &updater) const
+{
+    return std::make_unique<QtSettingsWindow>(QtSettingsWindow::Dependencies{
+        settings, *m_folderChooser, updater,
+        ApplicationVersion{QStringLiteral(VISTREL_VERSION), QStringLiteral(VISTREL_BUILD_VERSION)},
+        XdgAutostartLoginItem::settingsCaption()});
+}
 
 PlatformServices LinuxPlatform::services() const
 {

@@ -9,6 +9,8 @@
 
 #include <xcb/xcb.h>
 
+class AppSettings;
+class AppcastSoftwareUpdater;
 class CanberraSoundPlayer;
 class DBusUserNotifier;
 class DesktopWorkspace;
@@ -18,14 +20,17 @@ class LinuxSystemLog;
 class QtAlertPresenter;
 class QtApplicationControl;
 class QtEditorWindowFactory;
+class QtFolderChooser;
 class QtKeyEventMonitor;
 class QtOpenPanel;
 class QtPasteboard;
 class QtScheduler;
 class QtSelectionWindowFactory;
+class QtUpdateUserDriver;
+class SettingsWindow;
+class SoftwareUpdaterModel;
 class SystemClock;
 class TrayStatusItem;
-class UnconfiguredSoftwareUpdater;
 class X11Cursor;
 class X11DisplayProvider;
 class X11HotKeyRegistrar;
@@ -46,6 +51,8 @@ public:
     ~LinuxPlatform();
 
     PlatformServices services() const;
+    // The settings window, made when the user first asks for it.
+    std::unique_ptr<SettingsWindow> makeSettingsWindow(AppSettings &settings, SoftwareUpdaterModel &updater) const;
     // Given the diagnostics log once the process-wide instances exist.
     DesktopWorkspace &workspace() const { return *m_workspace; }
 
@@ -77,11 +84,13 @@ private:
     std::unique_ptr<DesktopWorkspace> m_workspace;
     std::unique_ptr<QtKeyEventMonitor> m_keyMonitor;
     std::unique_ptr<FastPngWriter> m_pngWriter;
-    std::unique_ptr<UnconfiguredSoftwareUpdater> m_updater;
+    std::unique_ptr<QtUpdateUserDriver> m_updateDialogs;
+    std::unique_ptr<AppcastSoftwareUpdater> m_updater;
     // The grab outlives the overlay windows, which release it as they go.
     std::unique_ptr<X11InputGrab> m_inputGrab;
     std::unique_ptr<QtSelectionWindowFactory> m_selectionWindows;
     std::unique_ptr<QtEditorWindowFactory> m_editorWindows;
     std::unique_ptr<QtAlertPresenter> m_alerts;
     std::unique_ptr<QtOpenPanel> m_openPanel;
+    std::unique_ptr<QtFolderChooser> m_folderChooser;
 };

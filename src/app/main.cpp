@@ -1,7 +1,8 @@
 // Vistrel on Linux: a tray agent on an X11 desktop. Checks the session, makes sure it is the only
 // instance, builds the platform set, hands it to the process-wide instances and runs the controller.
-// The vistrel program (CommandLineMain.cpp) runs this for "activate" and "edit FILE"; a start that
-// finds Vistrel running hands its command to that instance and exits.
+// The vistrel program (CommandLineMain.cpp) loads this module and runs it for the commands that start
+// the application ("activate", "edit [FILE]", "settings"); a start that finds Vistrel running hands its
+// command to that instance and exits.
 #include "InstanceCommands.h"
 #include "LinuxPlatform.h"
 
@@ -10,17 +11,17 @@
 #include "ProcessMemory.h"
 #include "X11SessionCheck.h"
 
+#include "AppLaunch.h"
+
 #include "app/AppDelegate.h"
 #include "app/CrashDiagnostics.h"
-#include "app/NotificationCenter.h"
 #include "app/SettingsWindow.h"
-#include "capture/ScreenshotManager.h"
-#include "editor/ImageEditorManager.h"
 #include "settings/AppSettings.h"
 #include "update/SoftwareUpdaterModel.h"
 
 #include <QApplication>
 #include <QDBusConnection>
+#include <QFileInfo>
 
 #include <cstdio>
 
@@ -32,6 +33,18 @@ int refuse(const QString &message)
 {
     std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
     return 1;
+}
+
+// The arguments as the running instance needs them: files with absolute paths, since it runs in a
+// folder of its own.
+QStringList forwardedArguments(const QString &command, const QStringList &arguments)
+{
+    if (command != u"edit"_s)
+        return arguments;
+    QStringList absolute;
+    for (const QString &argument : arguments)
+        absolute.append(QFileInfo(argument).absoluteFilePath());
+    return absolute;
 }
 
 } // namespace
@@ -54,6 +67,7 @@ extern "C" Q_DECL_EXPORT int vistrelApplicationMain(int argc, char **argv)
     QApplication::setQuitOnLastWindowClosed(false);
     const QStringList arguments = app.arguments().mid(1);
     const QString command = arguments.value(0, u"activate"_s);
+    const QStringList commandArguments = forwardedArguments(command, arguments.mid(1));
 
     InstanceChannel channel(QDBusConnection::sessionBus());
     AppDelegate *running = nullptr;
@@ -63,7 +77,7 @@ extern "C" Q_DECL_EXPORT int vistrelApplicationMain(int argc, char **argv)
                 instancecommands::perform(*running, received, receivedArguments);
         });
     if (outcome == InstanceChannel::Outcome::AnotherInstanceRuns) {
-        if (channel.tryForward(command, arguments.mid(1)))
+        if (channel.tryForward(command, commandArguments))
             return 0;
         return refuse(u"Vistrel is already running, but it did not answer."_s);
     }
@@ -76,22 +90,12 @@ extern "C" Q_DECL_EXPORT int vistrelApplicationMain(int argc, char **argv)
     PlatformServices::install(services);
     platform.workspace().setTrace([](const QString &line) { CrashDiagnostics::shared().write(line); });
 
-    ScreenshotManager &capture = ScreenshotManager::shared();
-    ImageEditorManager &editor = ImageEditorManager::shared();
-    capture.setEditorHandOff(&editor);
-    AppDelegate delegate(AppDelegate::Dependencies{
-        CrashDiagnostics::shared(), *services.application, *services.statusItem, *services.hotKeys,
-        *services.notifier, *services.systemLog, *services.scheduler, *services.displays, AppSettings::shared(),
-        NotificationCenter::defaultCenter(), capture, editor,
-        []() -> UpdateCommands & { return SoftwareUpdaterModel::shared(); },
-        []() { return std::unique_ptr<SettingsWindow>(); }});
-    running = &delegate;
-    QObject::connect(&app, &QCoreApplication::aboutToQuit, &delegate, [&delegate] {
-        delegate.applicationWillTerminate();
-    });
-    delegate.applicationDidFinishLaunching();
+    const std::unique_ptr<AppDelegate> delegate = applaunch::makeDelegate(
+        app, [&platform] { return platform.makeSettingsWindow(AppSettings::shared(), SoftwareUpdaterModel::shared()); });
+    running = delegate.get();
+    delegate->applicationDidFinishLaunching();
     if (command != u"activate"_s)
-        instancecommands::perform(delegate, command, arguments.mid(1));
+        instancecommands::perform(*delegate, command, commandArguments);
     const int status = app.exec();
     running = nullptr;
     return status;

@@ -45,9 +45,12 @@ QList<DesktopScreen> withoutCoveringScreens(const QList<DesktopScreen> &screens)
 {
     QList<DesktopScreen> kept;
     for (const DesktopScreen &candidate : screens) {
+        // A covering monitor shares the logical space with the monitors it holds. Displays that only
+        // seem to hold one another in pixels (a Retina display beside a 1x one, on macOS, where Qt's
+        // logical space is the real layout in points) lie side by side there.
         bool covers = false;
         for (const DesktopScreen &other : screens)
-            covers = covers || holds(candidate.native, other.native);
+            covers = covers || (holds(candidate.native, other.native) && candidate.logical.intersects(other.logical));
         if (!covers)
             kept.append(candidate);
     }

@@ -5,12 +5,11 @@
 #include <QPointer>
 #include <QWidget>
 
-class QLabel;
-
-// An editor window as a top-level widget: title, sizes, centring, showing and closing, Ctrl+Q handed to
-// the window manager's key-equivalent rule, and the close observers. Closing hides the widget, which
-// stays usable. The document's picture is shown as it was taken; the editing canvas, the tool bars and
-// the empty editor's drop area are built by the editor's own widgets. Main thread.
+// An editor window as a top-level widget: titled, closable, minimisable and resizable, showing the
+// drop target or the editor that the window manager gives it. Closing hides it (the manager may show
+// it again with new content) and tells the close observers; keys with Control go to the window rules
+// first, so Ctrl+Q closes this window and never quits the application. The manager may let go of
+// this object inside one of the widget's own events, so the widgets are deleted later. Main thread.
 class QtEditorWindow final : public EditorWindow
 {
 public:
@@ -25,12 +24,13 @@ public:
     void close() override;
 
     QWidget *widget() const { return m_widget; }
+    // The widget that shows the current content.
+    QWidget *contentWidget() const { return m_content; }
 
 private:
     class Widget;
     friend class Widget;
 
     QPointer<QWidget> m_widget;
-    QLabel *m_picture = nullptr;
-    EditorRootView m_content;
+    QPointer<QWidget> m_content;
 };

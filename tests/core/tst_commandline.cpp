@@ -31,6 +31,8 @@ void CommandLineTest::commands_data()
     QTest::newRow("select") << QStringList{u"select"_s} << Command::Select << QString();
     QTest::newRow("repeat") << QStringList{u"repeat"_s} << Command::Repeat << QString();
     QTest::newRow("quit") << QStringList{u"quit"_s} << Command::Quit << QString();
+    QTest::newRow("edit without a file: the empty editor") << QStringList{u"edit"_s} << Command::Edit << QString();
+    QTest::newRow("settings") << QStringList{u"settings"_s} << Command::Settings << QString();
     QTest::newRow("edit keeps the file as given") << QStringList{u"edit"_s, u"../スクリーン ショット.png"_s}
                                                   << Command::Edit << u"../スクリーン ショット.png"_s;
     QTest::newRow("help") << QStringList{u"--help"_s} << Command::Help << QString();
@@ -122,9 +124,12 @@ void CommandLineTest::wrongArguments_data()
                                             << badRegion(u"100x100+0+0"_s);
     QTest::newRow("select with an argument") << QStringList{u"select"_s, u"now"_s}
                                              << u"select takes no arguments"_s + hint;
-    QTest::newRow("edit without a file") << QStringList{u"edit"_s} << u"edit takes one FILE"_s + hint;
     QTest::newRow("edit with two files") << QStringList{u"edit"_s, u"a.png"_s, u"b.png"_s}
-                                         << u"edit takes one FILE"_s + hint;
+                                         << u"edit takes at most one FILE"_s + hint;
+    QTest::newRow("edit with an empty file name") << QStringList{u"edit"_s, u""_s}
+                                                  << u"edit takes at most one FILE"_s + hint;
+    QTest::newRow("settings with an argument") << QStringList{u"settings"_s, u"capture"_s}
+                                               << u"settings takes no arguments"_s + hint;
 }
 
 void CommandLineTest::wrongArguments()

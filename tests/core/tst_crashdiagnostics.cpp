@@ -1,4 +1,6 @@
 // Runs the diagnostics in real child processes that die, and checks what they left behind.
+#include "app/CrashDiagnostics.h"
+
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
@@ -89,6 +91,9 @@ private slots:
     void uncaughtExceptionIsRecorded_data();
     void uncaughtExceptionIsRecorded();
     void logFileModeIs0644();
+    void platformExceptionHandlerIsInstalledOnceBeforeTheInstallLine();
+    void exceptionRecordHasHeadThenOneSymbolPerLine_data();
+    void exceptionRecordHasHeadThenOneSymbolPerLine();
 };
 
 void CrashDiagnosticsTest::fatalSignalIsRecordedAndReraised_data()
@@ -214,6 +219,49 @@ void CrashDiagnosticsTest::logFileModeIs0644()
     QCOMPARE(::stat(QFile::encodeName(dir.filePath(QStringLiteral("diagnostics.log"))).constData(), &info), 0);
     // install() creates the file through the raw descriptor, with mode 0644.
     QCOMPARE(info.st_mode & 0777, mode_t(0644));
+}
+
+void CrashDiagnosticsTest::platformExceptionHandlerIsInstalledOnceBeforeTheInstallLine()
+{
+    QTemporaryDir dir;
+    QCOMPARE(runChild({dir.path(), QStringLiteral("platform")}).exitCode, 0);
+    QStringList messages;
+    for (const QString &line : QString::fromUtf8(readLog(dir.path())).split(u'\n', Qt::SkipEmptyParts))
+        messages << timeStampedLine.match(line).captured(1);
+    QCOMPARE(messages, (QStringList{QStringLiteral("platform exception handler installed"),
+                                    u"Crash diagnostics installed. log=" + dir.path() + u"/diagnostics.log"}));
+}
+
+void CrashDiagnosticsTest::exceptionRecordHasHeadThenOneSymbolPerLine_data()
+{
+    QTest::addColumn<QString>("reason");
+    QTest::addColumn<bool>("hasReason");
+    QTest::addColumn<QStringList>("stack");
+    QTest::addColumn<QString>("expected");
+    const QStringList stack{QStringLiteral("0   CoreFoundation  __exceptionPreprocess + 176"),
+                            QStringLiteral("1   libobjc.A.dylib  objc_exception_throw + 60")};
+    QTest::newRow("reason and stack")
+        << QStringLiteral("index 3 beyond bounds") << true << stack
+        << QStringLiteral("Uncaught NSException: NSRangeException reason=index 3 beyond bounds\n"
+                          "0   CoreFoundation  __exceptionPreprocess + 176\n"
+                          "1   libobjc.A.dylib  objc_exception_throw + 60");
+    QTest::newRow("no reason reads nil") << QString() << false << stack.mid(0, 1)
+        << QStringLiteral("Uncaught NSException: NSRangeException reason=nil\n"
+                          "0   CoreFoundation  __exceptionPreprocess + 176");
+    QTest::newRow("an empty reason stays empty") << QString() << true << QStringList()
+        << QStringLiteral("Uncaught NSException: NSRangeException reason=\n");
+}
+
+void CrashDiagnosticsTest::exceptionRecordHasHeadThenOneSymbolPerLine()
+{
+    QFETCH(QString, reason);
+    QFETCH(bool, hasReason);
+    QFETCH(QStringList, stack);
+    QFETCH(QString, expected);
+    const std::optional<QString> given = hasReason ? std::optional(reason) : std::nullopt;
+    QCOMPARE(CrashDiagnostics::uncaughtExceptionRecord(QStringLiteral("NSException"),
+                                                       QStringLiteral("NSRangeException"), given, stack),
+             expected);
 }
 
 QTEST_GUILESS_MAIN(CrashDiagnosticsTest)

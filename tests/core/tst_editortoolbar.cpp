@@ -258,8 +258,11 @@ void EditorToolbarTest::labelsAndStates()
     QCOMPARE(toolbar.undoButton().helpText, u"元に戻す (⌘Z)"_s);
     QCOMPARE(toolbar.redoButton().helpText, u"やり直し (⌘⇧Z)"_s);
     QCOMPARE(toolbar.deleteButton().helpText, u"選択したオーバーレイを削除"_s);
-    QCOMPARE(toolbar.undoButton().shortcut, QKeySequence(Qt::CTRL | Qt::Key_Z));
-    QCOMPARE(toolbar.redoButton().shortcut, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z));
+    QCOMPARE(toolbar.undoButton().shortcuts, QList<QKeySequence>{QKeySequence(Qt::CTRL | Qt::Key_Z)});
+    QCOMPARE(toolbar.redoButton().shortcuts, QList<QKeySequence>{QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+    QCOMPARE(toolbar.deleteButton().shortcuts,
+             (QList<QKeySequence>{QKeySequence(Qt::Key_Delete), QKeySequence(Qt::CTRL | Qt::Key_Delete),
+                                  QKeySequence(Qt::CTRL | Qt::Key_Backspace)}));
 
     auto states = [&toolbar] {
         return QList<bool>{toolbar.undoButton().isEnabled, toolbar.redoButton().isEnabled,

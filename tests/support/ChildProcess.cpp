@@ -12,6 +12,21 @@
 
 extern char **environ;
 
+namespace {
+
+// pipe2() is Linux's; pipe() and fcntl() work everywhere. Test helpers start their children one at a
+// time, so no other thread can inherit the descriptors in between.
+bool openCloseOnExecPipe(int fds[2])
+{
+    if (::pipe(fds) != 0)
+        return false;
+    for (int i = 0; i < 2; ++i)
+        ::fcntl(fds[i], F_SETFD, FD_CLOEXEC);
+    return true;
+}
+
+} // namespace
+
 ChildProcess::~ChildProcess()
 {
     stop();
@@ -30,7 +45,7 @@ bool ChildProcess::start(const QString &program, const QStringList &arguments, c
         return false;
 
     int pipeFds[2] = {-1, -1};
-    if (readFirstLine && ::pipe2(pipeFds, O_CLOEXEC) != 0)
+    if (readFirstLine && !openCloseOnExecPipe(pipeFds))
         return false;
 
     QList<QByteArray> argStorage{path.toLocal8Bit()};

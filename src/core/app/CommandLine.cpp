@@ -98,16 +98,17 @@ Parsed parse(const QStringList &arguments)
     if (command == u"capture"_s)
         return parseCapture(rest);
     if (command == u"edit"_s) {
-        if (rest.size() != 1 || rest.first().isEmpty())
-            return failed(u"edit takes one FILE"_s);
-        return {{Command::Edit, {}, rest.first()}, std::nullopt};
+        if (rest.size() > 1 || (rest.size() == 1 && rest.first().isEmpty()))
+            return failed(u"edit takes at most one FILE"_s);
+        return {{Command::Edit, {}, rest.value(0)}, std::nullopt};
     }
     const struct
     {
         QString name;
         Command command;
     } plain[] = {{u"activate"_s, Command::Activate}, {u"select"_s, Command::Select},
-                 {u"repeat"_s, Command::Repeat}, {u"quit"_s, Command::Quit}};
+                 {u"repeat"_s, Command::Repeat}, {u"settings"_s, Command::Settings},
+                 {u"quit"_s, Command::Quit}};
     for (const auto &entry : plain) {
         if (command != entry.name)
             continue;
@@ -134,7 +135,9 @@ Commands:
                     have the running Vistrel put it on the clipboard
   select            start a selection in the running Vistrel
   repeat            capture the last selected region again, in the running Vistrel
-  edit FILE         open FILE in the editor, starting Vistrel if it does not run
+  edit [FILE]       open FILE in the editor, or the empty editor, starting Vistrel if
+                    it does not run
+  settings          show the settings, starting Vistrel if it does not run
   quit              quit the running Vistrel
   --help            show this help
   --version         show the version

@@ -8,7 +8,8 @@
 
 // What one start of the program asks for, read from its arguments (without the program name):
 //
-//   vistrel [capture [--display N | --region X,Y,W,H] [-o FILE] | select | repeat | edit FILE | quit]
+//   vistrel [capture [--display N | --region X,Y,W,H] [-o FILE] | select | repeat | edit [FILE] |
+//            settings | quit]
 //   vistrel --help | --version
 //
 // Pure: no file, display or instance is looked at here.
@@ -21,6 +22,7 @@ enum class Command {
     Select,
     Repeat,
     Edit,
+    Settings,
     Quit,
     Help,
     Version,
@@ -41,7 +43,7 @@ struct Invocation
 {
     Command command = Command::Activate;
     CaptureOptions capture;
-    // The file of `edit`, as given.
+    // The file of `edit`, as given; empty for the empty editor.
     QString file;
 };
 

@@ -61,7 +61,7 @@ QString currentExceptionTypeName()
     return name;
 }
 
-QString currentStack()
+QStringList currentStack()
 {
     void *frames[64];
     const int count = backtrace(frames, 64);
@@ -72,7 +72,7 @@ QString currentStack()
     for (int i = 0; i < count; ++i)
         lines << QString::fromUtf8(symbols[i]);
     std::free(symbols);
-    return lines.join(u'\n');
+    return lines;
 }
 
 // Records an exception that nothing caught, then lets the default terminate path abort the process
@@ -80,7 +80,7 @@ QString currentStack()
 [[noreturn]] void terminateHandler()
 {
     QString name = QStringLiteral("unknown");
-    QString reason = QStringLiteral("nil");
+    std::optional<QString> reason;
     if (const std::exception_ptr exception = std::current_exception()) {
         name = currentExceptionTypeName();
         try {
@@ -92,8 +92,8 @@ QString currentStack()
         }
     }
     if (installedDiagnostics)
-        installedDiagnostics->write(u"Uncaught C++ exception: " % name % u" reason=" % reason % u'\n'
-                                    % currentStack());
+        installedDiagnostics->write(
+            CrashDiagnostics::uncaughtExceptionRecord(QStringLiteral("C++ exception"), name, reason, currentStack()));
     std::abort();
 }
 
@@ -125,14 +125,24 @@ extern "C" void vistrelSignalHandler(int signal)
 
 CrashDiagnostics &CrashDiagnostics::shared()
 {
-    static CrashDiagnostics instance(PlatformServices::shared().diagnosticsLogFolder);
+    const PlatformServices &services = PlatformServices::shared();
+    static CrashDiagnostics instance(services.diagnosticsLogFolder, services.installUncaughtExceptionHandler);
     return instance;
 }
 
-CrashDiagnostics::CrashDiagnostics(const QString &logFolder)
-    : m_logPath(QDir(logFolder).filePath(QStringLiteral("diagnostics.log")))
+CrashDiagnostics::CrashDiagnostics(const QString &logFolder,
+                                   PlatformExceptionHandlerInstaller installPlatformExceptionHandler)
+    : m_logPath(QDir(logFolder).filePath(QStringLiteral("diagnostics.log"))),
+      m_installPlatformExceptionHandler(std::move(installPlatformExceptionHandler))
 {
     QDir().mkpath(logFolder);
+}
+
+QString CrashDiagnostics::uncaughtExceptionRecord(const QString &kind, const QString &name,
+                                                  const std::optional<QString> &reason, const QStringList &callStack)
+{
+    return u"Uncaught " % kind % u": " % name % u" reason=" % reason.value_or(QStringLiteral("nil")) % u'\n'
+        % callStack.join(u'\n');
 }
 
 void CrashDiagnostics::write(const QString &message)
@@ -162,6 +172,8 @@ void CrashDiagnostics::install()
     openSignalLogFileIfNeeded();
     installedDiagnostics = this;
     std::set_terminate(terminateHandler);
+    if (m_installPlatformExceptionHandler)
+        m_installPlatformExceptionHandler();
     for (const int signal : kFatalSignals)
         ::signal(signal, vistrelSignalHandler);
     write(u"Crash diagnostics installed. log=" % m_logPath);

@@ -94,18 +94,21 @@ QList<EditorToolbar::BottomButton> EditorToolbar::bottomButtons()
 
 EditorToolbar::ActionButton EditorToolbar::undoButton() const
 {
-    return {texts::undoSymbol, texts::undoHelp, QKeySequence(Qt::CTRL | Qt::Key_Z), m_model.canUndo()};
+    return {texts::undoSymbol, texts::undoHelp, {QKeySequence(Qt::CTRL | Qt::Key_Z)}, m_model.canUndo()};
 }
 
 EditorToolbar::ActionButton EditorToolbar::redoButton() const
 {
-    return {texts::redoSymbol, texts::redoHelp, QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), m_model.canRedo()};
+    return {texts::redoSymbol, texts::redoHelp, {QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)}, m_model.canRedo()};
 }
 
 EditorToolbar::ActionButton EditorToolbar::deleteButton() const
 {
-    // Command-Backspace, the system's "delete the selection" chord, leaves plain Backspace to text fields.
-    return {texts::deleteSymbol, texts::deleteHelp, QKeySequence(Qt::CTRL | Qt::Key_Backspace),
+    // Delete, as drawing programs on Linux take it, and with Control; Command-Backspace, macOS's "delete
+    // the selection" chord. Plain Backspace and a Delete typed into a text box stay with the text.
+    return {texts::deleteSymbol,
+            texts::deleteHelp,
+            {QKeySequence(Qt::Key_Delete), QKeySequence(Qt::CTRL | Qt::Key_Delete), QKeySequence(Qt::CTRL | Qt::Key_Backspace)},
             m_interaction.selectedOverlay().has_value()};
 }
 

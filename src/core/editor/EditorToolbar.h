@@ -33,8 +33,8 @@ public:
     {
         QString symbolName;
         QString helpText;
-        // Qt's Control is Command on macOS.
-        QKeySequence shortcut;
+        // Qt's Control is Command on macOS. The first is the one the help text names.
+        QList<QKeySequence> shortcuts;
         bool isEnabled;
     };
     struct Swatch

@@ -108,10 +108,12 @@ void drawFreehand(QPainter &painter, const QList<QPointF> &points, const QColor 
     painter.save();
     if (std::optional<roundstroke::Patch> patch =
             roundstroke::rasterize(devicePoints, overlaygeometry::freehandLineWidth * scale, color)) {
-        const double ratio = painter.device()->devicePixelRatio();
-        patch->image.setDevicePixelRatio(ratio);
+        // What lies between the painter's own coordinates and the device: the pixel ratio, and for a
+        // widget inside a window the widget's place in the window's backing store.
+        const QTransform belowWorld = painter.worldTransform().inverted() * toDevice;
+        patch->image.setDevicePixelRatio(painter.device()->devicePixelRatio());
         painter.resetTransform();
-        painter.drawImage(QPointF(patch->topLeft) / ratio, patch->image);
+        painter.drawImage(belowWorld.inverted().map(QPointF(patch->topLeft)), patch->image);
     } else if (points.size() == 1) {
         const double radius = overlaygeometry::freehandLineWidth / 2;
         painter.setPen(Qt::NoPen);

@@ -36,6 +36,9 @@ class Workspace;
 struct PlatformServices
 {
     QString diagnosticsLogFolder;
+    // Installs the handler of the system's own uncaught exceptions (NSException); null where the system
+    // has none besides C++ exceptions. Called once by CrashDiagnostics::install().
+    void (*installUncaughtExceptionHandler)() = nullptr;
 
     AlertPresenter *alerts = nullptr;
     ApplicationControl *application = nullptr;

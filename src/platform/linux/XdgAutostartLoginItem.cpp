@@ -37,6 +37,12 @@ XdgAutostartLoginItem::XdgAutostartLoginItem(const QString &autostartFolder, con
 {
 }
 
+QString XdgAutostartLoginItem::settingsCaption()
+{
+    // "Autostart applications" is what GNOME, KDE and Xfce call these entries.
+    return u"自動起動アプリケーションとして登録し、ログイン時にVistrelを起動します。"_s;
+}
+
 QString XdgAutostartLoginItem::entryPath() const
 {
     return m_folder + u"/vistrel.desktop"_s;

@@ -17,6 +17,9 @@ public:
     std::optional<QString> registerApp() override;
     std::optional<QString> unregisterApp() override;
 
+    // What the settings window says under its login toggle, in the desktop's words for login items.
+    static QString settingsCaption();
+
     QString entryPath() const;
     // The entry's contents: what registerApp() writes.
     QByteArray entry() const;

@@ -24,11 +24,12 @@
 
 #include <QTemporaryDir>
 
-// A window manager on fakes. The PNG writer is the one given (a recording fake unless a test needs
-// real files); the capture folder is a temporary folder.
+// A window manager on fakes. The PNG writer and the window factory are the ones given (recording
+// fakes unless a test needs real files or real windows); the capture folder is a temporary folder.
 struct EditorManagerFixture
 {
-    explicit EditorManagerFixture(const PngWriter *writer = nullptr) : pngWriter(writer ? *writer : fakeWriter)
+    explicit EditorManagerFixture(const PngWriter *writer = nullptr, EditorWindowFactory *windowFactory = nullptr)
+        : pngWriter(writer ? *writer : fakeWriter), windowFactory(windowFactory ? *windowFactory : windows)
     {
         settings.setSaveFolderPath(captureFolder.path());
     }
@@ -50,12 +51,13 @@ struct EditorManagerFixture
     FakePngWriter fakeWriter;
     const PngWriter &pngWriter;
     FakeEditorWindowFactory windows;
+    EditorWindowFactory &windowFactory;
     FakeAlertPresenter alerts;
     FakeOpenPanel openPanel;
     QTemporaryDir captureFolder;
     ImageEditorManager manager{ImageEditorServices{settings, store, diagnostics, systemLog, scheduler, clock, displays,
-                                                   application, notifier, pasteboard, pngWriter, windows, alerts,
-                                                   openPanel}};
+                                                   application, notifier, pasteboard, pngWriter, windowFactory,
+                                                   alerts, openPanel}};
 
     static QImage picture(int width = 40, int height = 30, QColor color = Qt::darkCyan)
     {

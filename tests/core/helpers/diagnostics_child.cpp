@@ -5,6 +5,7 @@
 //   diagnostics_child FOLDER handler NUMBER   call the handler directly with a signal it does not know
 //   diagnostics_child FOLDER throw [TEXT]     leave a C++ exception uncaught
 //   diagnostics_child FOLDER write TEXT...    write lines without installing anything
+//   diagnostics_child FOLDER platform         install with a platform exception handler, then exit 0
 #include "app/CrashDiagnostics.h"
 
 #include <QString>
@@ -40,8 +41,13 @@ int main(int argc, char **argv)
 {
     if (argc < 3)
         return 2;
-    CrashDiagnostics diagnostics(QString::fromLocal8Bit(argv[1]));
     const char *action = argv[2];
+    CrashDiagnostics *self = nullptr;
+    CrashDiagnostics::PlatformExceptionHandlerInstaller installer;
+    if (std::strcmp(action, "platform") == 0)
+        installer = [&self] { self->write(QStringLiteral("platform exception handler installed")); };
+    CrashDiagnostics diagnostics(QString::fromLocal8Bit(argv[1]), installer);
+    self = &diagnostics;
 
     if (std::strcmp(action, "write") == 0) {
         for (int i = 3; i < argc; ++i)
@@ -57,6 +63,8 @@ int main(int argc, char **argv)
         if (argc > 3 && std::strcmp(argv[3], "custom") == 0)
             throw CustomFailure();
         throw std::runtime_error(argc > 3 ? argv[3] : "");
+    } else if (std::strcmp(action, "platform") == 0) {
+        return 0;
     }
     return 3; // should not get here
 }

@@ -1,0 +1,34 @@
+#include "AppLaunch.h"
+
+#include "app/AppDelegate.h"
+#include "app/CrashDiagnostics.h"
+#include "app/NotificationCenter.h"
+#include "app/SettingsWindow.h"
+#include "capture/ScreenshotManager.h"
+#include "editor/ImageEditorManager.h"
+#include "platform/PlatformServices.h"
+#include "settings/AppSettings.h"
+#include "update/SoftwareUpdaterModel.h"
+
+#include <QCoreApplication>
+
+namespace applaunch {
+
+std::unique_ptr<AppDelegate> makeDelegate(QCoreApplication &application, SettingsWindowMaker makeSettingsWindow)
+{
+    const PlatformServices &services = PlatformServices::shared();
+    ScreenshotManager &capture = ScreenshotManager::shared();
+    ImageEditorManager &editor = ImageEditorManager::shared();
+    capture.setEditorHandOff(&editor);
+    auto delegate = std::make_unique<AppDelegate>(AppDelegate::Dependencies{
+        CrashDiagnostics::shared(), *services.application, *services.statusItem, *services.hotKeys,
+        *services.notifier, *services.systemLog, *services.scheduler, *services.displays, AppSettings::shared(),
+        NotificationCenter::defaultCenter(), capture, editor,
+        []() -> UpdateCommands & { return SoftwareUpdaterModel::shared(); }, std::move(makeSettingsWindow)});
+    AppDelegate *controller = delegate.get();
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, controller,
+                     [controller] { controller->applicationWillTerminate(); });
+    return delegate;
+}
+
+} // namespace applaunch

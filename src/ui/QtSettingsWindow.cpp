@@ -1,0 +1,92 @@
+#include "QtSettingsWindow.h"
+
+#include "DesktopSpace.h"
+#include "KeyEquivalentFilter.h"
+#include "SettingsFormWidget.h"
+#include "WindowFrame.h"
+
+#include "app/SettingsForm.h"
+#include "app/SettingsFormTexts.h"
+
+#include <QScreen>
+#include <QVBoxLayout>
+
+namespace {
+
+// Between Qt's desktop and the global bottom-left space of the displays.
+Rect toGlobal(const QRect &logical)
+{
+    return DesktopSpace::current().toGlobal(QRectF(logical));
+}
+
+QRect fromGlobal(const Rect &global)
+{
+    return DesktopSpace::current().fromGlobal(global).toAlignedRect();
+}
+
+} // namespace
+
+QtSettingsWindow::QtSettingsWindow(const Dependencies &dependencies)
+    : m_form(std::make_unique<SettingsForm>(dependencies.settings, dependencies.folderChooser,
+                                            dependencies.loginCaption))
+{
+    // A plain widget: closing hides it, and it is not deleted on close.
+    m_widget = new QWidget;
+    m_widget->setWindowTitle(settingsform::windowTitle);
+    m_widget->setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint
+                             | Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint);
+    m_widget->setAttribute(Qt::WA_QuitOnClose, false);
+    m_formWidget = new SettingsFormWidget(dependencies.settings, *m_form, dependencies.updater, dependencies.version,
+                                          m_widget);
+    auto *layout = new QVBoxLayout(m_widget);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_formWidget);
+    m_widget->setMinimumSize(minimumContentSize);
+    m_widget->resize(contentSize);
+    new KeyEquivalentFilter(m_widget, [widget = m_widget](const windowrules::KeyEquivalentEvent &event) {
+        if (!windowrules::isCloseWindowShortcut(event))
+            return false;
+        if (widget)
+            widget->close();
+        return true;
+    });
+}
+
+QtSettingsWindow::~QtSettingsWindow()
+{
+    delete m_widget;
+}
+
+bool QtSettingsWindow::isVisible() const
+{
+    return m_widget && m_widget->isVisible();
+}
+
+Rect QtSettingsWindow::frame() const
+{
+    return m_widget ? toGlobal(m_widget->frameGeometry()) : Rect();
+}
+
+std::optional<Rect> QtSettingsWindow::screenVisibleFrame() const
+{
+    const QScreen *screen = m_widget ? m_widget->screen() : nullptr;
+    if (!screen)
+        return std::nullopt;
+    return toGlobal(screen->availableGeometry());
+}
+
+void QtSettingsWindow::setFrame(const Rect &frame)
+{
+    if (!m_widget)
+        return;
+    windowframe::setFrameGeometry(*m_widget, fromGlobal(frame));
+}
+
+void QtSettingsWindow::makeKeyAndOrderFront()
+{
+    if (!m_widget)
+        return;
+    m_widget->showNormal();
+    m_widget->raise();
+    m_widget->activateWindow();
+}

@@ -1,0 +1,222 @@
+#include "helpers/EditorWidgetFixture.h"
+
+#include "EditorToolbarWidget.h"
+#include "EditorZoomControls.h"
+#include "OverlayTextField.h"
+
+#include "editor/EditorViewport.h"
+
+#include <QApplication>
+#include <QInputMethodEvent>
+#include <QPainter>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSlider>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+class EditorCanvasWidgetTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void dragsLandAtImagePoints_data();
+    void dragsLandAtImagePoints();
+    void canvasFollowsTheZoom();
+    void opensCentredOnTheImage();
+    void showsWhatTheViewPaintsWhereverItIsScrolled();
+    void editModeMovesWithTheRealPointer();
+    void textBoxTakesTypingAndFollowsZoom();
+    void japaneseComposesThroughTheInputMethod();
+    void undoAndRedoReachTheDocumentFromATextBox();
+};
+
+void EditorCanvasWidgetTest::dragsLandAtImagePoints_data()
+{
+    QTest::addColumn<int>("presetIndex");
+    QTest::addColumn<double>("zoom");
+    QTest::newRow("at 100%") << 1 << 1.0;
+    QTest::newRow("at 200%") << 3 << 2.0;
+    QTest::newRow("at 50%") << 0 << 0.5;
+}
+
+void EditorCanvasWidgetTest::dragsLandAtImagePoints()
+{
+    QFETCH(int, presetIndex);
+    QFETCH(double, zoom);
+    EditorWidgetFixture f;
+    QVERIFY(f.isReady());
+    f.widget.toolbar()->zoomControls()->presetButtons().at(presetIndex)->click();
+    QCOMPARE(f.view->viewport().zoomScale(), zoom);
+
+    // Image points on the canvas, y up: a box from (40, 260) down to (160, 180).
+    f.drag({{40, 260}, {100, 220}, {160, 180}});
+    QCOMPARE(f.model->overlays().size(), 1);
+    const Overlay box = f.model->overlays().first();
+    QCOMPARE(box.type, EditorTool::Rectangle);
+    QCOMPARE(box.startPoint, QPointF(40, 260));
+    QCOMPARE(box.endPoint, QPointF(160, 180));
+
+    // The same spot of the widget, away from the image's corner, maps where the conversion says.
+    const QPoint press(900 * zoom, 700 * zoom);
+    QTest::mousePress(f.canvas(), Qt::LeftButton, {}, press);
+    QTest::mouseMove(f.canvas(), press + QPoint(10, 10));
+    QTest::mouseRelease(f.canvas(), Qt::LeftButton, {}, press + QPoint(10, 10));
+    QCOMPARE(f.model->overlays().last().startPoint, QPointF(-500 + 900, 300 + 500 - 700));
+}
+
+void EditorCanvasWidgetTest::canvasFollowsTheZoom()
+{
+    EditorWidgetFixture f;
+    QVERIFY(f.isReady());
+    // 400 × 300 with a margin of 500 on every side.
+    QCOMPARE(f.canvas()->size(), QSize(1400, 1300));
+    f.widget.toolbar()->zoomControls()->presetButtons().at(3)->click();
+    QCOMPARE(f.canvas()->size(), QSize(2800, 2600));
+    QPushButton *reset = f.widget.toolbar()->zoomControls()->resetButton();
+    QVERIFY(reset->isEnabled());
+    reset->click();
+    QCOMPARE(f.canvas()->size(), QSize(1400, 1300));
+    QVERIFY(!reset->isEnabled());
+    f.widget.toolbar()->zoomControls()->slider()->setValue(15);
+    QCOMPARE(f.view->viewport().zoomScale(), 1.5);
+    QCOMPARE(f.canvas()->size(), QSize(2100, 1950));
+}
+
+void EditorCanvasWidgetTest::opensCentredOnTheImage()
+{
+    EditorWidgetFixture f;
+    QVERIFY(f.isReady());
+    f.scheduler.advance(1);
+    QVERIFY(f.view->viewport().hasCenteredInitialViewport() || f.view->viewport().initialCenteringAttempt() > 0);
+    QScrollArea *area = f.widget.scrollArea();
+    const QPointF anchor = f.view->viewport().imageCenterAnchor();
+    const QSize visible = area->viewport()->size();
+    QCOMPARE(area->horizontalScrollBar()->value(), qRound(anchor.x() - visible.width() / 2.0));
+    QCOMPARE(area->verticalScrollBar()->value(), qRound(anchor.y() - visible.height() / 2.0));
+}
+
+void EditorCanvasWidgetTest::showsWhatTheViewPaintsWhereverItIsScrolled()
+{
+    EditorWidgetFixture f;
+    QVERIFY(f.isReady());
+    f.scheduler.advance(1);
+    f.drag({{40, 260}, {160, 180}});
+    f.widget.toolbar()->toolButton(EditorTool::Freehand)->click();
+    f.drag({{60, 100}, {80, 130}, {100, 95}, {120, 140}, {150, 90}});
+    f.widget.toolbar()->toolButton(EditorTool::Mosaic)->click();
+    f.drag({{200, 250}, {350, 150}});
+
+    // The canvas as the window shows it, against the view painted on a picture of its own.
+    QImage expected(f.canvas()->size(), QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&expected);
+    f.view->paintCanvas(painter);
+    painter.end();
+    const QImage window = f.widget.grab().toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    QWidget *viewport = f.widget.scrollArea()->viewport();
+    const QRect visible(viewport->mapTo(&f.widget, QPoint(0, 0)), viewport->size());
+    const QPoint canvasOrigin = f.canvas()->mapTo(&f.widget, QPoint(0, 0));
+    QVERIFY(canvasOrigin.x() < 0 && canvasOrigin.y() < visible.top());
+    QCOMPARE(window.copy(visible), expected.copy(visible.translated(-canvasOrigin)));
+}
+
+void EditorCanvasWidgetTest::editModeMovesWithTheRealPointer()
+{
+    EditorWidgetFixture f;
+    QVERIFY(f.isReady());
+    f.drag({{100, 50}, {300, 250}});
+    f.widget.toolbar()->editModeButton()->click();
+    QVERIFY(!f.view->interaction().isDrawMode());
+    // Grab the box by its left edge, far from the corners, and move it 30 right and 20 up.
+    f.drag({{100, 150}, {115, 160}, {130, 170}});
+    const Overlay moved = f.model->overlays().first();
+    QCOMPARE(moved.startPoint, QPointF(130, 70));
+    QCOMPARE(moved.endPoint, QPointF(330, 270));
+    QCOMPARE(f.model->undoStack().size(), 2);
+}
+
+void EditorCanvasWidgetTest::textBoxTakesTypingAndFollowsZoom()
+{
+    EditorWidgetFixture f;
+    QVERIFY(f.isReady());
+    OverlayTextField *field = f.addTextBox({50, 250});
+    QCOMPARE(f.model->overlays().size(), 1);
+    const QUuid id = f.model->overlays().first().id;
+    QVERIFY(field);
+    QTRY_VERIFY(field->hasFocus());
+    QCOMPARE(field->toPlainText(), u"テキスト"_s);
+    QCOMPARE(field->geometry(), f.view->textFields().first().frame.toAlignedRect());
+
+    // The placeholder is selected, so typing replaces it.
+    QTest::keyClicks(field, u"Hi there"_s);
+    QCOMPARE(f.model->overlays().first().text, u"Hi there"_s);
+
+    f.widget.toolbar()->zoomControls()->presetButtons().at(3)->click();
+    QCOMPARE(field->geometry(), f.view->textFields().first().frame.toAlignedRect());
+    QCOMPARE(field->font().pixelSize(), f.view->textFields().first().font.pixelSize());
+    QCOMPARE(field->toPlainText(), u"Hi there"_s);
+
+    // Deleting the box takes its field away.
+    f.widget.toolbar()->deleteButton()->click();
+    QVERIFY(!f.canvas()->textField(id));
+}
+
+void EditorCanvasWidgetTest::japaneseComposesThroughTheInputMethod()
+{
+    EditorWidgetFixture f;
+    QVERIFY(f.isReady());
+    OverlayTextField *field = f.addTextBox({50, 250});
+    QVERIFY(field);
+    QTRY_VERIFY(field->hasFocus());
+    QVERIFY(field->testAttribute(Qt::WA_InputMethodEnabled));
+    QVERIFY(field->inputMethodQuery(Qt::ImEnabled).toBool());
+    QTest::keyClicks(field, u"Vistrel "_s);
+    const qsizetype steps = f.model->undoStack().size();
+
+    // Composing: the reading shows in the field, the document waits for the conversion.
+    QInputMethodEvent composing(u"にほんご"_s, {});
+    QApplication::sendEvent(field, &composing);
+    QCOMPARE(field->inputMethodQuery(Qt::ImSurroundingText).toString(), u"Vistrel "_s);
+    QCOMPARE(f.model->overlays().first().text, u"Vistrel "_s);
+    QCOMPARE(f.model->undoStack().size(), steps);
+
+    QInputMethodEvent committed;
+    committed.setCommitString(u"日本語"_s);
+    QApplication::sendEvent(field, &committed);
+    QCOMPARE(field->toPlainText(), u"Vistrel 日本語"_s);
+    QCOMPARE(f.model->overlays().first().text, u"Vistrel 日本語"_s);
+    QCOMPARE(f.model->undoStack().size(), steps + 1);
+
+    QInputMethodEvent more(u"てすと"_s, {});
+    QApplication::sendEvent(field, &more);
+    QInputMethodEvent done;
+    done.setCommitString(u"テスト"_s);
+    QApplication::sendEvent(field, &done);
+    QCOMPARE(f.model->overlays().first().text, u"Vistrel 日本語テスト"_s);
+}
+
+void EditorCanvasWidgetTest::undoAndRedoReachTheDocumentFromATextBox()
+{
+    EditorWidgetFixture f;
+    QVERIFY(f.isReady());
+    OverlayTextField *field = f.addTextBox({50, 250});
+    QVERIFY(field);
+    QTRY_VERIFY(field->hasFocus());
+    QTest::keyClicks(field, u"ab"_s);
+    QCOMPARE(f.model->overlays().first().text, u"ab"_s);
+
+    // Ctrl+Z in the field is the document's undo, one typed character at a time.
+    QTest::keyClick(field, Qt::Key_Z, Qt::ControlModifier);
+    QCOMPARE(f.model->overlays().first().text, u"a"_s);
+    QCOMPARE(field->toPlainText(), u"a"_s);
+    QTest::keyClick(field, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(field->toPlainText(), u"ab"_s);
+    // Delete and Backspace stay with the text.
+    QTest::keyClick(field, Qt::Key_Backspace);
+    QCOMPARE(f.model->overlays().size(), 1);
+    QCOMPARE(f.model->overlays().first().text, u"a"_s);
+}
+
+QTEST_MAIN(EditorCanvasWidgetTest)
+#include "tst_editorcanvaswidget.moc"

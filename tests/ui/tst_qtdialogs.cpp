@@ -1,0 +1,157 @@
+#include "QtAlertPresenter.h"
+#include "QtFolderChooser.h"
+#include "QtOpenPanel.h"
+#include "QtUpdateUserDriver.h"
+
+#include "editor/EditorImageSources.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Runs `answer` on the modal dialog once it is up.
+template<typename Dialog>
+void whenShown(std::function<void(Dialog *)> answer)
+{
+    QTimer::singleShot(0, qApp, [answer] {
+        QTRY_VERIFY(qobject_cast<Dialog *>(QApplication::activeModalWidget()));
+        answer(qobject_cast<Dialog *>(QApplication::activeModalWidget()));
+    });
+}
+
+} // namespace
+
+class QtDialogsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void folderChooserOffersFoldersOnly();
+    void folderChooserCancelled();
+    void offerTellsWhichButtonWasChosen_data();
+    void offerTellsWhichButtonWasChosen();
+    void noticeShowsItsTexts();
+    void alertShowsItsTexts();
+    void openPanelOffersOneImage();
+    void openPanelCancelled();
+};
+
+void QtDialogsTest::folderChooserOffersFoldersOnly()
+{
+    QTemporaryDir folder;
+    QVERIFY(QDir(folder.path()).mkdir(u"shots"_s));
+    QString prompt;
+    QFileDialog::FileMode mode = QFileDialog::AnyFile;
+    whenShown<QFileDialog>([&](QFileDialog *dialog) {
+        prompt = dialog->labelText(QFileDialog::Accept);
+        mode = dialog->fileMode();
+        dialog->selectFile(folder.filePath(u"shots"_s));
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    QtFolderChooser chooser;
+    const std::optional<QString> chosen = chooser.chooseFolder(folder.path(), u"選択"_s);
+    QCOMPARE(prompt, u"選択"_s);
+    QCOMPARE(mode, QFileDialog::Directory);
+    QCOMPARE(chosen, folder.filePath(u"shots"_s));
+}
+
+void QtDialogsTest::folderChooserCancelled()
+{
+    whenShown<QFileDialog>([](QFileDialog *dialog) { dialog->reject(); });
+    QtFolderChooser chooser;
+    QCOMPARE(chooser.chooseFolder(QDir::tempPath(), u"選択"_s), std::nullopt);
+}
+
+void QtDialogsTest::offerTellsWhichButtonWasChosen_data()
+{
+    QTest::addColumn<int>("button");
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("accept") << 0 << true;
+    QTest::newRow("decline") << 1 << false;
+}
+
+void QtDialogsTest::offerTellsWhichButtonWasChosen()
+{
+    QFETCH(int, button);
+    QFETCH(bool, accepted);
+    QStringList seen;
+    whenShown<QMessageBox>([&](QMessageBox *box) {
+        seen << box->text() << box->informativeText() << box->defaultButton()->text();
+        const QStringList order{u"開く"_s, u"あとで"_s};
+        for (QAbstractButton *candidate : box->buttons())
+            if (candidate->text() == order.at(button))
+                candidate->click();
+    });
+    QtUpdateUserDriver driver;
+    QCOMPARE(driver.runModalOffer(u"新しい"_s, u"説明"_s, u"開く"_s, u"あとで"_s), accepted);
+    QCOMPARE(seen, (QStringList{u"新しい"_s, u"説明"_s, u"開く"_s}));
+}
+
+void QtDialogsTest::noticeShowsItsTexts()
+{
+    QStringList seen;
+    whenShown<QMessageBox>([&](QMessageBox *box) {
+        seen << box->windowTitle() << box->text() << box->informativeText();
+        box->accept();
+    });
+    QtUpdateUserDriver driver;
+    driver.runModalNotice(u"最新のバージョンです"_s, u"Vistrel 1.0"_s);
+    QCOMPARE(seen, (QStringList{u"Vistrel"_s, u"最新のバージョンです"_s, u"Vistrel 1.0"_s}));
+}
+
+void QtDialogsTest::alertShowsItsTexts()
+{
+    QStringList seen;
+    whenShown<QMessageBox>([&](QMessageBox *box) {
+        seen << box->windowTitle() << box->text() << box->informativeText() << QString::number(box->buttons().size());
+        box->accept();
+    });
+    QtAlertPresenter alerts;
+    alerts.runModalAlert(u"画像を開けませんでした"_s, u"対応している画像ファイルを選択してください。"_s);
+    QCOMPARE(seen, (QStringList{u"Vistrel"_s, u"画像を開けませんでした"_s, u"対応している画像ファイルを選択してください。"_s,
+                                u"1"_s}));
+}
+
+void QtDialogsTest::openPanelOffersOneImage()
+{
+    QTemporaryDir folder;
+    const QString picture = folder.filePath(u"shot.png"_s);
+    QImage(4, 4, QImage::Format_RGB32).save(picture);
+    QString prompt;
+    QFileDialog::FileMode mode = QFileDialog::Directory;
+    QStringList filters;
+    whenShown<QFileDialog>([&](QFileDialog *dialog) {
+        prompt = dialog->labelText(QFileDialog::Accept);
+        mode = dialog->fileMode();
+        filters = dialog->mimeTypeFilters();
+        dialog->selectFile(picture);
+        QMetaObject::invokeMethod(dialog, "accept");
+    });
+    QtOpenPanel panel;
+    const OpenPanel::Request request = EditorImageSources::imagePanelRequest();
+    QCOMPARE(panel.runModal(request), QUrl::fromLocalFile(picture));
+    QCOMPARE(prompt, u"開く"_s);
+    QCOMPARE(mode, QFileDialog::ExistingFile);
+    QCOMPARE(filters, request.allowedContentTypes);
+    QVERIFY(filters.contains(u"image/png"_s));
+}
+
+void QtDialogsTest::openPanelCancelled()
+{
+    whenShown<QFileDialog>([](QFileDialog *dialog) { dialog->reject(); });
+    QtOpenPanel panel;
+    QCOMPARE(panel.runModal(EditorImageSources::imagePanelRequest()), std::nullopt);
+}
+
+QTEST_MAIN(QtDialogsTest)
+#include "tst_qtdialogs.moc"

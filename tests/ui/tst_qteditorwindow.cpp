@@ -1,0 +1,194 @@
+#include "helpers/EditorWindowsFixture.h"
+
+#include "EditorDropTargetWidget.h"
+#include "ImageEditorWidget.h"
+
+#include "editor/ImageEditorModel.h"
+#include "editor/ImageEditorView.h"
+
+#include <QDropEvent>
+#include <QGuiApplication>
+#include <QMimeData>
+#include <QScreen>
+#include <QSignalSpy>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void dropURLs(QWidget *target, const QList<QUrl> &urls)
+{
+    QMimeData data;
+    data.setUrls(urls);
+    const QPoint middle = target->rect().center();
+    QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &enter);
+    QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(target, &drop);
+}
+
+} // namespace
+
+class QtEditorWindowTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void launcherShowsTheDropTargetInAnEditorWindow();
+    void controlQClosesOnlyThatWindow_data();
+    void controlQClosesOnlyThatWindow();
+    void pasteFromTheClipboardOpensOrAlerts();
+    void droppedFileOpensTheFirstOnly();
+    void corruptFileGetsTheAlert();
+    void saveWritesBesideTheSourceAndCloses();
+    void closingADetachedWindowForgetsIt();
+};
+
+void QtEditorWindowTest::launcherShowsTheDropTargetInAnEditorWindow()
+{
+    EditorWindowsFixture f;
+    f.displays.main = FakeDisplayProvider::display(1, Rect(0, 0, 1440, 875));
+    f.manager.openEditorLauncher();
+    QtEditorWindow *window = f.primary();
+    QVERIFY(window && window->widget()->isVisible());
+    QCOMPARE(window->widget()->windowTitle(), u"Vistrel 編集"_s);
+    QVERIFY(qobject_cast<EditorDropTargetWidget *>(window->contentWidget()));
+    const Qt::WindowFlags flags = window->widget()->windowFlags();
+    QVERIFY(flags.testFlags(Qt::WindowCloseButtonHint | Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint));
+    const QSize screen = QGuiApplication::primaryScreen()->availableGeometry().size();
+    QCOMPARE(window->widget()->minimumSize(), QSize(1000, 1000).boundedTo(screen));
+    // The size the window manager asked for, no larger than the visible frame it was given.
+    QCOMPARE(window->widget()->size(), QSize(1000, 875));
+    QVERIFY(QTest::qWaitForWindowExposed(window->widget()));
+
+    // The same window takes the editor.
+    f.manager.prepareEditor(EditorWindowsFixture::picture(), std::nullopt);
+    f.manager.showEditorWindow(false);
+    f.settle();
+    QCOMPARE(f.primary(), window);
+    QVERIFY(qobject_cast<ImageEditorWidget *>(window->contentWidget()));
+    QCOMPARE(window->widget()->findChildren<EditorDropTargetWidget *>().size(), 0);
+}
+
+void QtEditorWindowTest::controlQClosesOnlyThatWindow_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+    QTest::addColumn<bool>("closes");
+    QTest::newRow("Ctrl+Q") << Qt::Key_Q << Qt::KeyboardModifiers(Qt::ControlModifier) << true;
+    QTest::newRow("Ctrl+Shift+Q") << Qt::Key_Q << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::ShiftModifier) << true;
+    QTest::newRow("Ctrl+Alt+Q") << Qt::Key_Q << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::AltModifier) << true;
+    QTest::newRow("Q alone") << Qt::Key_Q << Qt::KeyboardModifiers() << false;
+    QTest::newRow("Alt+Q") << Qt::Key_Q << Qt::KeyboardModifiers(Qt::AltModifier) << false;
+    QTest::newRow("Ctrl+W") << Qt::Key_W << Qt::KeyboardModifiers(Qt::ControlModifier) << false;
+}
+
+void QtEditorWindowTest::controlQClosesOnlyThatWindow()
+{
+    QFETCH(Qt::Key, key);
+    QFETCH(Qt::KeyboardModifiers, modifiers);
+    QFETCH(bool, closes);
+    EditorWindowsFixture f;
+    QSignalSpy quitting(qApp, &QCoreApplication::aboutToQuit);
+    f.manager.prepareEditor(EditorWindowsFixture::picture(), std::nullopt);
+    f.manager.showEditorWindow(false);
+    QtEditorWindow *primary = f.primary();
+    f.manager.prepareEditor(EditorWindowsFixture::picture(), std::nullopt);
+    f.manager.showEditorWindow(true);
+    QCOMPARE(f.manager.detachedEditorWindows().size(), 1);
+    auto *detached = static_cast<QtEditorWindow *>(f.manager.detachedEditorWindows().first());
+    QWidget *primaryWidget = primary->widget();
+
+    primaryWidget->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(primaryWidget));
+    f.key(primary, key, modifiers);
+    QCOMPARE(f.manager.editorWindow() == nullptr, closes);
+    QCOMPARE(primaryWidget->isVisible(), !closes);
+    // The other window and the application go on.
+    QVERIFY(detached->widget()->isVisible());
+    QCOMPARE(f.manager.detachedEditorWindows().size(), 1);
+    QCOMPARE(quitting.count(), 0);
+
+    f.key(detached, key, modifiers);
+    QCOMPARE(f.manager.detachedEditorWindows().isEmpty(), closes);
+    QCOMPARE(quitting.count(), 0);
+}
+
+void QtEditorWindowTest::pasteFromTheClipboardOpensOrAlerts()
+{
+    EditorWindowsFixture f;
+    f.manager.openEditorLauncher();
+    QtEditorWindow *window = f.primary();
+    QVERIFY(QTest::qWaitForWindowActive(window->widget()));
+    f.key(window, Qt::Key_V, Qt::ControlModifier);
+    QCOMPARE(f.alerts.alerts, (QList<QPair<QString, QString>>{
+                                  {u"クリップボードに画像がありません"_s, u"画像をコピーしてから、もう一度貼り付けてください。"_s}}));
+    QVERIFY(qobject_cast<EditorDropTargetWidget *>(window->contentWidget()));
+
+    f.pasteboard.image = EditorWindowsFixture::picture(64, 48);
+    f.key(window, Qt::Key_V, Qt::ControlModifier);
+    auto *editor = qobject_cast<ImageEditorWidget *>(f.primary()->contentWidget());
+    QVERIFY(editor);
+    QCOMPARE(editor->view().model().image(), *f.pasteboard.image);
+    QCOMPARE(f.alerts.alerts.size(), 1);
+}
+
+void QtEditorWindowTest::droppedFileOpensTheFirstOnly()
+{
+    EditorWindowsFixture f;
+    const QUrl first = f.writeFile(u"first.png"_s, EditorWindowsFixture::picture(120, 80));
+    const QUrl second = f.writeFile(u"second.png"_s, EditorWindowsFixture::picture(50, 50));
+    f.manager.openEditorLauncher();
+    dropURLs(f.primary()->contentWidget(), {first, second});
+    f.settle();
+    auto *editor = qobject_cast<ImageEditorWidget *>(f.primary()->contentWidget());
+    QVERIFY(editor);
+    QCOMPARE(editor->view().model().image().size(), QSize(120, 80));
+    QCOMPARE(f.manager.sourceFileURL(), first);
+}
+
+void QtEditorWindowTest::corruptFileGetsTheAlert()
+{
+    EditorWindowsFixture f;
+    const QString path = f.captureFolder.filePath(u"broken.png"_s);
+    QFile broken(path);
+    QVERIFY(broken.open(QIODevice::WriteOnly));
+    broken.write(QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\x10\0", 20));
+    broken.close();
+    f.manager.openEditorLauncher();
+    dropURLs(f.primary()->contentWidget(), {QUrl::fromLocalFile(path)});
+    f.settle();
+    QCOMPARE(f.alerts.alerts, (QList<QPair<QString, QString>>{
+                                  {u"画像を開けませんでした"_s, u"対応している画像ファイルを選択してください。"_s}}));
+    QVERIFY(qobject_cast<EditorDropTargetWidget *>(f.primary()->contentWidget()));
+}
+
+void QtEditorWindowTest::saveWritesBesideTheSourceAndCloses()
+{
+    EditorWindowsFixture f;
+    const QUrl source = f.writeFile(u"Shot.png"_s, EditorWindowsFixture::picture());
+    f.manager.openImageFile(source);
+    QtEditorWindow *window = f.primary();
+    QVERIFY(QTest::qWaitForWindowActive(window->widget()));
+    QWidget *widget = window->widget();
+    f.key(window, Qt::Key_Return);
+    QCOMPARE(f.fakeWriter.paths, QStringList{f.captureFolder.filePath(u"Shot_edited.png"_s)});
+    QCOMPARE(f.pasteboard.writeCount, 1);
+    QVERIFY(!f.manager.editorWindow());
+    QVERIFY(!widget->isVisible());
+}
+
+void QtEditorWindowTest::closingADetachedWindowForgetsIt()
+{
+    EditorWindowsFixture f;
+    f.manager.openDetachedEditorWindow(std::make_shared<ImageEditorModel>(EditorWindowsFixture::picture(), f.store),
+                                       std::nullopt);
+    QCOMPARE(f.manager.detachedEditorWindows().size(), 1);
+    auto *window = static_cast<QtEditorWindow *>(f.manager.detachedEditorWindows().first());
+    QVERIFY(window->widget()->close());
+    f.settle();
+    QVERIFY(f.manager.detachedEditorWindows().isEmpty());
+}
+
+QTEST_MAIN(QtEditorWindowTest)
+#include "tst_qteditorwindow.moc"

@@ -1,0 +1,304 @@
+#include "FakeApplicationControl.h"
+#include "FakeFolderChooser.h"
+#include "FakeKeyValueStore.h"
+#include "FakeLoginItemService.h"
+#include "FakeSoftwareUpdater.h"
+#include "FakeSystemLog.h"
+
+#include "ElidedLabel.h"
+#include "QtSettingsWindow.h"
+#include "SettingsFormWidget.h"
+#include "ShortcutSettingsRows.h"
+
+#include "app/NotificationCenter.h"
+#include "settings/AppSettings.h"
+#include "update/SoftwareUpdateSettingsSection.h"
+#include "update/SoftwareUpdaterModel.h"
+
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString loginCaption = u"自動起動アプリケーションとして登録し、ログイン時にVistrelを起動します。"_s;
+
+struct Fixture
+{
+    explicit Fixture(std::optional<QString> updatesUnavailable = std::nullopt) : unavailable(updatesUnavailable) {}
+
+    static FakeSoftwareUpdater updaterUnavailableFor(const std::optional<QString> &reason)
+    {
+        FakeSoftwareUpdater updater;
+        updater.reason = reason;
+        return updater;
+    }
+
+    FakeKeyValueStore store;
+    FakeLoginItemService loginItem;
+    FakeSystemLog systemLog;
+    NotificationCenter notifications;
+    AppSettings settings{store, loginItem, systemLog, notifications};
+    FakeFolderChooser chooser;
+    std::optional<QString> unavailable;
+    FakeSoftwareUpdater updater = updaterUnavailableFor(unavailable);
+    FakeApplicationControl application;
+    SoftwareUpdaterModel updaterModel{updater, application, false};
+    QtSettingsWindow window{{settings, chooser, updaterModel, {u"1.2.0"_s, std::nullopt}, loginCaption}};
+
+    SettingsFormWidget &form() const { return *window.form(); }
+    QWidget &widget() const { return *window.widget(); }
+
+    QStringList texts() const
+    {
+        QStringList texts;
+        for (const QGroupBox *box : widget().findChildren<QGroupBox *>())
+            texts.append(u"["_s + box->title() + u']');
+        for (const QLabel *label : widget().findChildren<QLabel *>())
+            texts.append(label->text());
+        for (const QAbstractButton *button : widget().findChildren<QAbstractButton *>())
+            texts.append(button->text());
+        return texts;
+    }
+};
+
+} // namespace
+
+class QtSettingsWindowTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void windowAndEveryText();
+    void keyFieldsAndModifierToggles();
+    void savingSection();
+    void folderChooserCancelChangesNothing();
+    void notificationTogglesAndCaptions();
+    void loginToggleRegistersTheLoginItem();
+    void followsTheStoreLive();
+    void updateSection();
+    void updatesUnavailableAreExplained();
+    void closingHidesAndControlQCloses();
+    void framesInTheGlobalSpace();
+};
+
+void QtSettingsWindowTest::windowAndEveryText()
+{
+    Fixture f;
+    QCOMPARE(f.widget().windowTitle(), u"Vistrel 設定"_s);
+    QCOMPARE(f.widget().size(), QSize(560, 860));
+    QCOMPARE(f.widget().minimumSize(), QSize(480, 320));
+    const QStringList texts = f.texts();
+    for (const QString &expected :
+         {u"[ショートカット]"_s, u"現在のショートカット"_s, u"繰り返し撮影ショートカット"_s, u"有効なキー"_s, u"⌘"_s,
+          u"⌥"_s, u"⌃"_s, u"⇧"_s, u"[保存設定]"_s, u"ファイル名の接頭詞"_s, u"日付をファイル名に付与"_s,
+          u"保存先フォルダ"_s, u"変更"_s, u"[編集画面の起動]"_s, u"通知を出してクリックで編集画面を開く"_s,
+          u"オン: 通知をクリックで編集画面を開く。"_s, u"自動起動時、既存の編集画面を残して新しい編集画面を開く"_s,
+          u"通知経由で開くときはこの設定は使われません。"_s, u"[起動設定]"_s, u"ログイン時に自動起動"_s, loginCaption,
+          u"[更新]"_s, u"アップデートを自動的に確認"_s, u"最終確認"_s, u"未確認"_s, u"バージョン"_s,
+          u"1.2.0 (不明)"_s, u"今すぐ確認"_s, u"[メモ]"_s,
+          u"スクリーンショットは指定フォルダに自動保存され、同時にクリップボードにコピーされます。"_s})
+        QVERIFY2(texts.contains(expected), qPrintable(expected));
+    QCOMPARE(texts.count(u"有効なキー"_s), 2);
+    QCOMPARE(texts.count(u"⌘"_s), 2);
+}
+
+void QtSettingsWindowTest::keyFieldsAndModifierToggles()
+{
+    Fixture f;
+    f.widget().show();
+    ShortcutSettingsRows *capture = f.form().captureShortcut();
+    QCOMPARE(capture->keyField()->width(), 60);
+    QCOMPARE(capture->displayLabel()->text(), u"⇧⌘S"_s);
+    QCOMPARE(capture->keyField()->text(), u"S"_s);
+
+    capture->keyField()->selectAll();
+    QTest::keyClicks(capture->keyField(), u"q"_s);
+    QCOMPARE(f.settings.hotKeyCombo().key, u"Q"_s);
+    QCOMPARE(capture->keyField()->text(), u"Q"_s);
+    QCOMPARE(capture->displayLabel()->text(), u"⇧⌘Q"_s);
+
+    // ⌘ ⌥ ⌃ ⇧ in order: switch on ⌃ and off ⇧.
+    const QList<QToolButton *> &toggles = capture->modifierButtons();
+    QCOMPARE(toggles.size(), 4);
+    QCOMPARE((QList<bool>{toggles.at(0)->isChecked(), toggles.at(1)->isChecked(), toggles.at(2)->isChecked(),
+                          toggles.at(3)->isChecked()}),
+             (QList<bool>{true, false, false, true}));
+    toggles.at(2)->click();
+    toggles.at(3)->click();
+    QVERIFY(f.settings.hotKeyCombo().has(ShortcutKeyCombo::Control));
+    QVERIFY(!f.settings.hotKeyCombo().has(ShortcutKeyCombo::Shift));
+    QCOMPARE(capture->displayLabel()->text(), u"⌃⌘Q"_s);
+
+    ShortcutSettingsRows *repeat = f.form().repeatShortcut();
+    repeat->keyField()->clear();
+    QTest::keyClicks(repeat->keyField(), u"x"_s);
+    QCOMPARE(f.settings.repeatHotKeyCombo().key, u"X"_s);
+    QCOMPARE(f.settings.hotKeyCombo().key, u"Q"_s);
+}
+
+void QtSettingsWindowTest::savingSection()
+{
+    Fixture f;
+    f.widget().show();
+    QTest::keyClicks(f.form().prefixField(), u"Shot"_s);
+    QCOMPARE(f.settings.filenamePrefix(), u"VistrelShot"_s);
+    f.form().includeDateToggle()->click();
+    QVERIFY(!f.settings.includeDate());
+
+    QLineEdit *folder = f.form().folderField();
+    folder->clear();
+    QTest::keyClicks(folder, u"/tmp/shots"_s);
+    QCOMPARE(f.settings.saveFolderPath(), u"/tmp/shots"_s);
+    const int syncs = f.store.syncCount;
+    QTest::keyClick(folder, Qt::Key_Return);
+    QCOMPARE(f.store.syncCount, syncs + 1);
+    QCOMPARE(f.form().currentFolderCaption()->fullText(), u"現在の保存先: /tmp/shots"_s);
+
+    // A long path is shortened in the middle; the prefix stays whole.
+    const QString deep = u"/home/someone/Pictures/"_s + QString(u"very-long-folder-name/"_s).repeated(12) + u"end"_s;
+    f.settings.setSaveFolderPath(deep);
+    const QString shown = f.form().currentFolderCaption()->text();
+    QVERIFY(shown.startsWith(u"現在の保存先: /home"_s));
+    QVERIFY(shown.endsWith(u"end"_s));
+    QVERIFY(shown.contains(u'…'));
+    QCOMPARE(f.form().currentFolderCaption()->toolTip(), u"現在の保存先: "_s + deep);
+}
+
+void QtSettingsWindowTest::folderChooserCancelChangesNothing()
+{
+    Fixture f;
+    f.settings.setSaveFolderPath(u"/tmp/before"_s);
+    f.form().changeFolderButton()->click();
+    QCOMPARE(f.chooser.shown, 1);
+    QCOMPARE(f.chooser.lastPrompt, u"選択"_s);
+    QCOMPARE(f.chooser.lastStartFolder, u"/tmp/before"_s);
+    QCOMPARE(f.settings.saveFolderPath(), u"/tmp/before"_s);
+    QCOMPARE(f.form().folderField()->text(), u"/tmp/before"_s);
+
+    f.chooser.answer = u"/tmp/after"_s;
+    f.form().changeFolderButton()->click();
+    QCOMPARE(f.settings.saveFolderPath(), u"/tmp/after"_s);
+    QCOMPARE(f.form().folderField()->text(), u"/tmp/after"_s);
+}
+
+void QtSettingsWindowTest::notificationTogglesAndCaptions()
+{
+    Fixture f;
+    QVERIFY(f.form().notificationToggle()->isChecked());
+    QVERIFY(!f.form().keepWindowToggle()->isEnabled());
+    f.form().notificationToggle()->click();
+    QVERIFY(!f.settings.openEditorViaNotification());
+    QCOMPARE(f.form().notificationCaption()->text(), u"オフ: 通知を出さずに自動で編集画面を開く。"_s);
+    QVERIFY(f.form().keepWindowToggle()->isEnabled());
+    QCOMPARE(f.form().keepWindowCaption()->text(), u"オン: 常に新規ウィンドウで開く。オフ: 既存ウィンドウを再利用する。"_s);
+    f.form().keepWindowToggle()->click();
+    QVERIFY(f.settings.keepExistingEditorWindowOnAutoOpen());
+}
+
+void QtSettingsWindowTest::loginToggleRegistersTheLoginItem()
+{
+    Fixture f;
+    f.form().loginToggle()->click();
+    QVERIFY(f.settings.launchAtLoginEnabled());
+    QCOMPARE(f.loginItem.calls, QStringList{u"register"_s});
+
+    // A refusal leaves the toggle showing what the system says.
+    f.loginItem.failure = u"denied"_s;
+    f.form().loginToggle()->click();
+    QCOMPARE(f.form().loginToggle()->isChecked(), f.settings.launchAtLoginEnabled());
+}
+
+void QtSettingsWindowTest::followsTheStoreLive()
+{
+    Fixture f;
+    f.settings.setOpenEditorViaNotification(false);
+    f.settings.setFilenamePrefix(u"Elsewhere"_s);
+    ShortcutKeyCombo combo = f.settings.repeatHotKeyCombo();
+    combo.key = u"J"_s;
+    f.settings.setRepeatHotKeyCombo(combo);
+    QVERIFY(!f.form().notificationToggle()->isChecked());
+    QVERIFY(f.form().keepWindowToggle()->isEnabled());
+    QCOMPARE(f.form().prefixField()->text(), u"Elsewhere"_s);
+    QCOMPARE(f.form().repeatShortcut()->keyField()->text(), u"J"_s);
+}
+
+void QtSettingsWindowTest::updateSection()
+{
+    Fixture f;
+    UpdateSettingsSection *section = f.form().updateSection();
+    QVERIFY(section->automaticToggle()->isChecked());
+    section->automaticToggle()->click();
+    QVERIFY(!f.updater.automatic);
+    QVERIFY(section->checkNowButton()->isEnabled());
+    QVERIFY(section->unavailableCaption()->isHidden());
+
+    // While a check runs the button waits; when it ends the date is shown.
+    f.updater.setCanCheck(false);
+    QVERIFY(!section->checkNowButton()->isEnabled());
+    f.updater.lastCheck = QDateTime(QDate(2024, 5, 1), QTime(9, 30));
+    f.updater.setCanCheck(true);
+    QVERIFY(section->checkNowButton()->isEnabled());
+    QCOMPARE(section->lastCheckLabel()->text(), updatesection::lastCheckDescription(f.updater.lastCheck));
+    QCOMPARE(f.application.activateCount, 0);
+    section->checkNowButton()->click();
+    QCOMPARE(f.application.activateCount, 1);
+}
+
+void QtSettingsWindowTest::updatesUnavailableAreExplained()
+{
+    Fixture f{u"このビルドにはアップデートの配信元が設定されていないため、アップデートを確認できません。"_s};
+    f.widget().show();
+    UpdateSettingsSection *section = f.form().updateSection();
+    QVERIFY(!section->checkNowButton()->isEnabled());
+    QVERIFY(!section->automaticToggle()->isEnabled());
+    QVERIFY(section->unavailableCaption()->isVisible());
+    QCOMPARE(section->unavailableCaption()->text(), *f.updater.reason);
+}
+
+void QtSettingsWindowTest::closingHidesAndControlQCloses()
+{
+    Fixture f;
+    QSignalSpy quitting(qApp, &QCoreApplication::aboutToQuit);
+    f.window.makeKeyAndOrderFront();
+    QVERIFY(QTest::qWaitForWindowActive(&f.widget()));
+    QVERIFY(f.window.isVisible());
+    QTest::keyClick(f.widget().windowHandle(), Qt::Key_Q);
+    QVERIFY(f.window.isVisible());
+    QTest::keyClick(f.widget().windowHandle(), Qt::Key_Q, Qt::ControlModifier);
+    QVERIFY(!f.window.isVisible());
+    QCOMPARE(quitting.count(), 0);
+
+    // The same window comes back, as it was left.
+    f.settings.setFilenamePrefix(u"Again"_s);
+    f.window.makeKeyAndOrderFront();
+    QVERIFY(f.window.isVisible());
+    QCOMPARE(f.form().prefixField()->text(), u"Again"_s);
+    QVERIFY(f.widget().close());
+    QVERIFY(!f.window.isVisible());
+}
+
+void QtSettingsWindowTest::framesInTheGlobalSpace()
+{
+    Fixture f;
+    f.window.makeKeyAndOrderFront();
+    QVERIFY(QTest::qWaitForWindowExposed(&f.widget()));
+    const QRect primary = QGuiApplication::primaryScreen()->geometry();
+    // y up from the primary display's bottom: a window at the top-left of the display.
+    f.window.setFrame(Rect(0, primary.height() - 400, 500, 400));
+    QCOMPARE(f.widget().frameGeometry(), QRect(0, 0, 500, 400));
+    QCOMPARE(f.window.frame(), Rect(0, primary.height() - 400, 500, 400));
+    const std::optional<Rect> visible = f.window.screenVisibleFrame();
+    QVERIFY(visible);
+    QCOMPARE(visible->height(), double(QGuiApplication::primaryScreen()->availableGeometry().height()));
+}
+
+QTEST_MAIN(QtSettingsWindowTest)
+#include "tst_qtsettingswindow.moc"
