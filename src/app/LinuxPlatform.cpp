@@ -26,41 +26,29 @@
 #include "X11ScreenCapturer.h"
 #include "X11WindowList.h"
 #include "XdgAutostartLoginItem.h"
+#include "XdgFolders.h"
 
 #include "platform/Clock.h"
 #include "platform/QtScheduler.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
-#include <QDir>
 
 using namespace Qt::StringLiterals;
 
-namespace {
-// An XDG base folder: the variable when it holds an absolute path, else the default under HOME.
-QString baseFolder(const QProcessEnvironment &environment, const QString &variable, const QString &fallback)
-{
-    const QString value = environment.value(variable);
-    if (QDir::isAbsolutePath(value))
-        return QDir::cleanPath(value);
-    const QString home = environment.value(u"HOME"_s, QDir::homePath());
-    return QDir::cleanPath(home + u'/' + fallback);
-}
-} // namespace
-
 QString LinuxPlatform::diagnosticsLogFolder(const QProcessEnvironment &environment)
 {
-    return baseFolder(environment, u"XDG_STATE_HOME"_s, u".local/state"_s) + u"/Vistrel"_s;
+    return xdgfolders::diagnosticsLogFolder(environment);
 }
 
 QString LinuxPlatform::settingsPath(const QProcessEnvironment &environment)
 {
-    return baseFolder(environment, u"XDG_CONFIG_HOME"_s, u".config"_s) + u"/Vistrel/settings.json"_s;
+    return xdgfolders::settingsPath(environment);
 }
 
 QString LinuxPlatform::autostartFolder(const QProcessEnvironment &environment)
 {
-    return baseFolder(environment, u"XDG_CONFIG_HOME"_s, u".config"_s) + u"/autostart"_s;
+    return xdgfolders::autostartFolder(environment);
 }
 
 LinuxPlatform::LinuxPlatform(xcb_connection_t *connection, const QProcessEnvironment &environment)

@@ -1,13 +1,14 @@
 // Vistrel on Linux: a tray agent on an X11 desktop. Checks the session, makes sure it is the only
 // instance, builds the platform set, hands it to the process-wide instances and runs the controller.
-//
-//   vistrel [activate|select|repeat|settings|quit]
-//   vistrel edit [FILE]      opens FILE in the editor, or the empty editor
-// A second start hands its command to the running instance and exits.
+// The vistrel program (CommandLineMain.cpp) loads this module and runs it for the commands that start
+// the application ("activate", "edit [FILE]", "settings"); a start that finds Vistrel running hands its
+// command to that instance and exits.
+#include "InstanceCommands.h"
 #include "LinuxPlatform.h"
 
 #include "DesktopWorkspace.h"
 #include "InstanceChannel.h"
+#include "ProcessMemory.h"
 #include "X11SessionCheck.h"
 
 #include "AppLaunch.h"
@@ -15,15 +16,12 @@
 #include "app/AppDelegate.h"
 #include "app/CrashDiagnostics.h"
 #include "app/SettingsWindow.h"
-#include "capture/ScreenshotManager.h"
-#include "editor/ImageEditorManager.h"
 #include "settings/AppSettings.h"
 #include "update/SoftwareUpdaterModel.h"
 
 #include <QApplication>
 #include <QDBusConnection>
 #include <QFileInfo>
-#include <QUrl>
 
 #include <cstdio>
 
@@ -49,29 +47,11 @@ QStringList forwardedArguments(const QString &command, const QStringList &argume
     return absolute;
 }
 
-// Commands of later starts: a plain start only notes that Vistrel already runs.
-void perform(AppDelegate &delegate, const QString &command, const QStringList &arguments)
-{
-    if (command == u"edit"_s && !arguments.isEmpty())
-        ImageEditorManager::shared().openImageFile(QUrl::fromLocalFile(arguments.first()));
-    else if (command == u"edit"_s)
-        delegate.openEditorLauncher();
-    else if (command == u"settings"_s)
-        delegate.showSettings();
-    else if (command == u"select"_s)
-        delegate.triggerScreenshot();
-    else if (command == u"repeat"_s)
-        ScreenshotManager::shared().captureLastSelection();
-    else if (command == u"quit"_s)
-        delegate.terminateApp();
-    else
-        CrashDiagnostics::shared().write(u"instance command "_s % command % u": already running"_s);
-}
-
 } // namespace
 
-int main(int argc, char **argv)
+extern "C" Q_DECL_EXPORT int vistrelApplicationMain(int argc, char **argv)
 {
+    processmemory::returnLargeBlocksToTheSystem();
     const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     if (const std::optional<QString> missing = x11session::missingDisplayMessage(environment))
         return refuse(*missing);
@@ -94,7 +74,7 @@ int main(int argc, char **argv)
     const InstanceChannel::Outcome outcome =
         channel.listen([&running](const QString &received, const QStringList &receivedArguments) {
             if (running)
-                perform(*running, received, receivedArguments);
+                instancecommands::perform(*running, received, receivedArguments);
         });
     if (outcome == InstanceChannel::Outcome::AnotherInstanceRuns) {
         if (channel.tryForward(command, commandArguments))
@@ -115,7 +95,7 @@ int main(int argc, char **argv)
     running = delegate.get();
     delegate->applicationDidFinishLaunching();
     if (command != u"activate"_s)
-        perform(*delegate, command, commandArguments);
+        instancecommands::perform(*delegate, command, commandArguments);
     const int status = app.exec();
     running = nullptr;
     return status;

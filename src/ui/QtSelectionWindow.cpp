@@ -85,6 +85,12 @@ void QtSelectionWindow::setNeedsDisplay()
         m_widget->setNeedsDisplay();
 }
 
+void QtSelectionWindow::setNeedsDisplayInRect(const Rect &rect)
+{
+    if (m_widget)
+        m_widget->setNeedsDisplayInRect(rect.toQRectF());
+}
+
 void QtSelectionWindow::displayIfNeeded()
 {
     if (m_widget)

@@ -25,6 +25,7 @@ public:
 
     void setContentView(SelectionView *view) override;
     void setNeedsDisplay() override;
+    void setNeedsDisplayInRect(const Rect &rect) override;
     void displayIfNeeded() override;
 
     void makeKeyAndOrderFront() override;

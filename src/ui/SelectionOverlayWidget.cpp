@@ -42,6 +42,12 @@ void SelectionOverlayWidget::setNeedsDisplay()
     update();
 }
 
+void SelectionOverlayWidget::setNeedsDisplayInRect(const QRectF &viewRect)
+{
+    update(QRectF(viewRect.x(), height() - viewRect.y() - viewRect.height(), viewRect.width(), viewRect.height())
+               .toAlignedRect());
+}
+
 void SelectionOverlayWidget::displayIfNeeded()
 {
     if (m_needsDisplay && isVisible())

@@ -8,7 +8,8 @@ class SelectionView;
 // The widget of one overlay window: frameless, above everything and outside the window manager's
 // reach, covering one display. It paints the core's selection view (which draws the frozen image, the
 // dimming, the selection and the crosshair in one pass) and hands pointer and key input to it through
-// the router, which keeps a drag with the view it started in. Main thread.
+// the router, which keeps a drag with the view it started in. Pointer moves repaint only what the view
+// reports as changed. Main thread.
 class SelectionOverlayWidget final : public QWidget
 {
 public:
@@ -19,6 +20,8 @@ public:
     SelectionView *view() const { return m_view; }
 
     void setNeedsDisplay();
+    // A rectangle of the view (its coordinates: bottom-left origin, y upwards).
+    void setNeedsDisplayInRect(const QRectF &viewRect);
     void displayIfNeeded();
 
     // From Qt's logical space (y down) to the view's space (bottom-left origin, y up).

@@ -1,7 +1,5 @@
-#include "FakeCursor.h"
-#include "FakeDisplayProvider.h"
-#include "FakeSelectionWindow.h"
 #include "TestPrinters.h"
+#include "helpers/SelectionViewFixture.h"
 
 #include "capture/SelectionPainting.h"
 #include "capture/SelectionView.h"
@@ -14,63 +12,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-class RecordingDelegate final : public SelectionViewDelegate
-{
-public:
-    void capture(const Rect &rect, SelectionWindow *window) override
-    {
-        calls.append(u"capture "_s + trace::rect(rect));
-        lastWindow = window;
-    }
-    void captureWindowUnderCursor() override { calls.append(u"captureWindowUnderCursor"_s); }
-    void cancelSelection() override { calls.append(u"cancelSelection"_s); }
-    void selectionCursorDidHide() override { calls.append(u"cursorDidHide"_s); }
-    void selectionCursorDidRestore() override { calls.append(u"cursorDidRestore"_s); }
-
-    QStringList calls;
-    SelectionWindow *lastWindow = nullptr;
-};
-
-// A view of `size` on a display of scale 2, hosted by a window.
-struct ViewFixture
-{
-    explicit ViewFixture(QSizeF viewSize = QSizeF(1000, 800)) : size(viewSize)
-    {
-        displays.displays = {FakeDisplayProvider::display(7, Rect(QPointF(0, 0), size), 2)};
-        window.setFrame(Rect(QPointF(0, 0), size));
-        view.setWindow(&window);
-        window.setContentView(&view);
-    }
-
-    // A 2x screen image of one colour behind the view.
-    void showFrozenScreen(QColor color)
-    {
-        QImage image(size.toSize() * 2, QImage::Format_RGB32);
-        image.fill(color);
-        view.setFrozenBackgroundImage(image);
-    }
-
-    QSizeF size;
-    FakeDisplayProvider displays;
-    FakeCursor cursor;
-    RecordingDelegate delegate;
-    FakeSelectionWindow window{displays, 0, nullptr};
-    SelectionView view{Rect(QPointF(0, 0), size), &delegate, cursor, displays};
-};
-
-// Paints the view into an image the way a window does: the painter flipped to the view's y-up space.
-QImage render(const SelectionView &view, QColor behind = QColor(200, 200, 200))
-{
-    const Rect bounds = view.bounds();
-    QImage canvas(int(bounds.width()), int(bounds.height()), QImage::Format_ARGB32_Premultiplied);
-    canvas.fill(behind);
-    QPainter painter(&canvas);
-    painter.translate(0, bounds.height());
-    painter.scale(1, -1);
-    view.draw(painter);
-    return canvas;
-}
 
 // The colour of the pixel whose bottom-left corner is at the view point (x, y).
 QColor at(const QImage &canvas, double x, double y)

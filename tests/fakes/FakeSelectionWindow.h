@@ -43,6 +43,11 @@ public:
     QPointF convertPointFromScreen(QPointF point) const override { return point - m_frame.origin(); }
     void setContentView(SelectionView *view) override { contentView = view; }
     void setNeedsDisplay() override { ++needsDisplayCount; }
+    void setNeedsDisplayInRect(const Rect &rect) override
+    {
+        ++needsDisplayCount;
+        dirtyRects.append(rect);
+    }
     void displayIfNeeded() override { ++displayCount; }
     void makeKeyAndOrderFront() override
     {
@@ -67,6 +72,8 @@ public:
     bool isVisible = false;
     bool isKey = false;
     int needsDisplayCount = 0;
+    // What setNeedsDisplayInRect was given, in order.
+    QList<Rect> dirtyRects;
     int displayCount = 0;
 
 private:

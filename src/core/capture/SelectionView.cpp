@@ -45,11 +45,12 @@ void SelectionView::setWindow(SelectionWindow *window)
 
 void SelectionView::mouseDown(QPointF location)
 {
+    const selectiondamage::Decorations before = decorations();
     const QPointF p = clampedToBounds(location);
     m_startPoint = p;
     m_currentRect = Rect();
     m_currentMousePoint = p;
-    setNeedsDisplay();
+    setNeedsDisplay(before);
     hideCursorIfNeeded();
 }
 
@@ -57,16 +58,18 @@ void SelectionView::mouseDragged(QPointF location)
 {
     if (!m_startPoint)
         return;
+    const selectiondamage::Decorations before = decorations();
     const QPointF q = clampedToBounds(location);
     m_currentRect = Rect::fromCorners(*m_startPoint, q);
     m_currentMousePoint = q;
-    setNeedsDisplay();
+    setNeedsDisplay(before);
 }
 
 void SelectionView::mouseMoved(QPointF location)
 {
+    const selectiondamage::Decorations before = decorations();
     m_currentMousePoint = clampedToBounds(location);
-    setNeedsDisplay();
+    setNeedsDisplay(before);
 }
 
 void SelectionView::mouseUp(QPointF)
@@ -163,6 +166,18 @@ void SelectionView::drawSelectionSizeLabel(QPainter &painter, const Rect &rect) 
     selectionpainting::drawSizeLabel(painter, sizeLabelRect(rect, labelSize, sizeLabelGap), text, font);
 }
 
+selectiondamage::Decorations SelectionView::decorations() const
+{
+    selectiondamage::Decorations drawn{m_currentRect, Rect(), m_currentMousePoint};
+    if (!m_currentRect.isEmpty()) {
+        const QString text = selectionpainting::sizeLabelText(selectionPixelSize(m_currentRect));
+        const QSizeF labelSize = selectionpainting::labelSize(
+            selectionpainting::textSize(text, selectionpainting::sizeLabelFont()));
+        drawn.label = sizeLabelRect(m_currentRect, labelSize, sizeLabelGap);
+    }
+    return drawn;
+}
+
 Rect SelectionView::sizeLabelRect(const Rect &near, QSizeF labelSize, double gap) const
 {
     return capturegeometry::sizeLabelRect(near, labelSize, gap, bounds());
@@ -182,6 +197,14 @@ void SelectionView::setNeedsDisplay()
 {
     if (m_window)
         m_window->setNeedsDisplay();
+}
+
+void SelectionView::setNeedsDisplay(const selectiondamage::Decorations &before)
+{
+    if (!m_window)
+        return;
+    for (const Rect &area : selectiondamage::changedAreas(before, decorations(), bounds()))
+        m_window->setNeedsDisplayInRect(area);
 }
 
 // The scale of the display the view is on; the main display's when it is on none.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/CaptureGeometry.h"
+#include "capture/SelectionDamage.h"
 #include "geometry/Rect.h"
 
 #include <QImage>
@@ -73,8 +74,13 @@ public:
     std::optional<QPointF> currentMousePoint() const { return m_currentMousePoint; }
     bool hasHiddenCursor() const { return m_hasHiddenCursor; }
 
+    // What is drawn over the dimmed image now, and where the size label goes.
+    selectiondamage::Decorations decorations() const;
+
 private:
     void setNeedsDisplay();
+    // Asks for a repaint of what changed since the view drew `before`.
+    void setNeedsDisplay(const selectiondamage::Decorations &before);
     double backingScale() const;
 
     SelectionViewDelegate *m_delegate;

@@ -39,6 +39,8 @@ public:
     virtual void setContentView(SelectionView *view) = 0;
     // The content needs repainting; coalesced with other requests.
     virtual void setNeedsDisplay() = 0;
+    // Only `rect` of the content (in the view's coordinates) needs repainting; coalesced likewise.
+    virtual void setNeedsDisplayInRect(const Rect &rect) = 0;
     // Repaints now if a repaint is pending.
     virtual void displayIfNeeded() = 0;
 

@@ -5,9 +5,8 @@
 #include "platform/SystemLog.h"
 #include "settings/KeyTable.h"
 #include "settings/LegacySettingsMigration.h"
+#include "settings/SaveSettings.h"
 
-#include <QDir>
-#include <QStandardPaths>
 
 namespace {
 
@@ -16,9 +15,9 @@ const QString hotKeyKey = QStringLiteral("VistrelHotKeyKey");
 const QString hotKeyModifiers = QStringLiteral("VistrelHotKeyModifiers");
 const QString repeatHotKeyKey = QStringLiteral("VistrelRepeatHotKeyKey");
 const QString repeatHotKeyModifiers = QStringLiteral("VistrelRepeatHotKeyModifiers");
-const QString saveFolderPath = QStringLiteral("VistrelSaveFolderPath");
-const QString filenamePrefix = QStringLiteral("VistrelFilenamePrefix");
-const QString includeDate = QStringLiteral("VistrelIncludeDate");
+const QString saveFolderPath = savesettings::saveFolderPathKey;
+const QString filenamePrefix = savesettings::filenamePrefixKey;
+const QString includeDate = savesettings::includeDateKey;
 const QString openEditorViaNotification = QStringLiteral("VistrelOpenEditorViaNotification");
 const QString keepExistingEditorWindowOnAutoOpen = QStringLiteral("VistrelKeepExistingEditorWindowOnAutoOpen");
 const QString launchAtLoginEnabled = QStringLiteral("VistrelLaunchAtLoginEnabled");
@@ -50,9 +49,9 @@ AppSettings::AppSettings(KeyValueStore &store, LoginItemService &loginItem, Syst
                      readModifiers(Keys::hotKeyModifiers)};
     m_repeatHotKeyCombo = {m_defaults.string(Keys::repeatHotKeyKey).value_or(QStringLiteral("R")),
                            readModifiers(Keys::repeatHotKeyModifiers)};
-    m_saveFolderPath = m_defaults.string(Keys::saveFolderPath).value_or(defaultSaveFolderPath());
-    m_filenamePrefix = m_defaults.string(Keys::filenamePrefix).value_or(QStringLiteral("Vistrel"));
-    m_includeDate = readBool(Keys::includeDate, true);
+    m_saveFolderPath = savesettings::saveFolderPath(m_defaults);
+    m_filenamePrefix = savesettings::filenamePrefix(m_defaults);
+    m_includeDate = savesettings::includeDate(m_defaults);
     m_openEditorViaNotification = readBool(Keys::openEditorViaNotification, true);
     m_keepExistingEditorWindowOnAutoOpen = readBool(Keys::keepExistingEditorWindowOnAutoOpen, false);
 
@@ -151,8 +150,7 @@ quint32 AppSettings::carbonModifierFlags(const ShortcutKeyCombo &combo)
 
 QString AppSettings::defaultSaveFolderPath()
 {
-    const QStringList desktops = QStandardPaths::standardLocations(QStandardPaths::DesktopLocation);
-    return desktops.isEmpty() ? QDir::homePath() : desktops.first();
+    return savesettings::defaultSaveFolderPath();
 }
 
 void AppSettings::save()

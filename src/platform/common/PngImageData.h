@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QByteArray>
-#include <QImage>
+#include "PngPixels.h"
 
-#include <cstddef>
+#include <QByteArray>
 
 // The image data of a PNG: every row "up"-filtered, as one zlib stream (header, deflate data,
 // Adler-32), made as fast as the machine allows.
@@ -15,8 +14,7 @@
 // requires. Small pictures, or a machine that cannot start a thread, take one part.
 namespace pngimagedata {
 
-// Appends the stream to `out`. `pixels` as for pngrowfilter::filterRows. False when memory or a
-// compressor failed.
-bool append(const QImage &pixels, size_t rowLength, int level, bool mayUseSecondThread, QByteArray &out);
+// Appends the stream to `out`. False when memory or a compressor failed.
+bool append(const PngPixels &pixels, int level, bool mayUseSecondThread, QByteArray &out);
 
 } // namespace pngimagedata

@@ -2,7 +2,10 @@
 
 #include <QtEndian>
 
+#include <algorithm>
 #include <cstring>
+#include <memory>
+#include <new>
 
 namespace pngrowfilter {
 
@@ -30,7 +33,7 @@ void subtractRow(const uchar *row, const uchar *above, uchar *out, size_t length
 
 // The same for rows of 0xffRRGGBB pixels, written as R, G, B (no row above: zeros). Each pixel stores
 // four bytes, the last of which the next pixel overwrites: `out` needs one byte to spare.
-void subtractOpaqueRow(const QRgb *row, const QRgb *above, uchar *out, size_t width)
+void subtractOpaqueRow(const quint32 *row, const quint32 *above, uchar *out, size_t width)
 {
     constexpr quint32 high = 0x80808080u;
     for (size_t x = 0; x < width; ++x, out += 3) {
@@ -44,27 +47,50 @@ void subtractOpaqueRow(const QRgb *row, const QRgb *above, uchar *out, size_t wi
 
 } // namespace
 
-void filterRows(const QImage &pixels, size_t rowLength, int firstRow, int endRow, uchar *filtered)
+void filterRows(const PngPixels &pixels, int firstRow, int endRow, uchar *filtered)
 {
-    const bool isOpaque32 = pixels.format() == QImage::Format_RGB32;
-    const size_t width = size_t(pixels.width());
+    const bool isOpaque32 = pixels.layout == PngPixels::Layout::Opaque32;
+    const size_t width = size_t(pixels.width);
+    const size_t rowLength = pixels.rowLength();
     for (int y = firstRow; y < endRow; ++y) {
         uchar *out = filtered + size_t(y - firstRow) * (rowLength + 1);
         out[0] = upFilter;
-        const uchar *row = pixels.constScanLine(y);
+        const uchar *row = pixels.row(y);
         if (y == 0) {
             // Nothing above the first row: its bytes go as they are.
             if (isOpaque32)
-                subtractOpaqueRow(reinterpret_cast<const QRgb *>(row), nullptr, out + 1, width);
+                subtractOpaqueRow(reinterpret_cast<const quint32 *>(row), nullptr, out + 1, width);
             else
                 std::memcpy(out + 1, row, rowLength);
         } else if (isOpaque32) {
-            subtractOpaqueRow(reinterpret_cast<const QRgb *>(row),
-                              reinterpret_cast<const QRgb *>(pixels.constScanLine(y - 1)), out + 1, width);
+            subtractOpaqueRow(reinterpret_cast<const quint32 *>(row),
+                              reinterpret_cast<const quint32 *>(pixels.row(y - 1)), out + 1, width);
         } else {
-            subtractRow(row, pixels.constScanLine(y - 1), out + 1, rowLength);
+            subtractRow(row, pixels.row(y - 1), out + 1, rowLength);
         }
     }
+}
+
+uchar *filterRowsInPlace(const PngPixels &pixels, int firstRow)
+{
+    const size_t filteredLength = pixels.rowLength() + 1;
+    const size_t stride = size_t(std::max<std::ptrdiff_t>(0, pixels.bytesPerLine));
+    const int count = pixels.height - firstRow;
+    if (stride <= filteredLength || count <= 0)
+        return nullptr;
+    // Filtered row k (and the spare byte after it) must end before source row k − 1, still to be read
+    // as the row above row k, begins: (k + 1) × filtered + 1 ≤ (k − 1) × stride.
+    const size_t gain = stride - filteredLength;
+    const int headRows = int(std::min<size_t>(size_t(count), (filteredLength + stride + 1 + gain - 1) / gain));
+    const std::unique_ptr<uchar[]> head(new (std::nothrow) uchar[size_t(headRows) * filteredLength + 1]);
+    if (!head)
+        return nullptr;
+    filterRows(pixels, firstRow, firstRow + headRows, head.get());
+    uchar *base = const_cast<uchar *>(pixels.row(firstRow));
+    for (int k = headRows; k < count; ++k)
+        filterRows(pixels, firstRow + k, firstRow + k + 1, base + size_t(k) * filteredLength);
+    std::memcpy(base, head.get(), size_t(headRows) * filteredLength);
+    return base;
 }
 
 } // namespace pngrowfilter

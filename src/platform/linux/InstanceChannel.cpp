@@ -36,6 +36,14 @@ InstanceChannel::Outcome InstanceChannel::listen(Handler handler)
     return Outcome::Listening;
 }
 
+bool InstanceChannel::hasInstance() const
+{
+    if (!m_bus.isConnected())
+        return false;
+    const QDBusReply<bool> reply = m_bus.interface()->isServiceRegistered(serviceName);
+    return reply.isValid() && reply.value();
+}
+
 bool InstanceChannel::tryForward(const QString &command, const QStringList &arguments)
 {
     if (!m_bus.isConnected())

@@ -32,6 +32,8 @@ public:
     ~InstanceChannel() override;
 
     Outcome listen(Handler handler);
+    // Whether an instance owns the name now.
+    bool hasInstance() const;
     // Delivers the command to the instance that listens. False when none took it in time.
     bool tryForward(const QString &command, const QStringList &arguments);
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "X11ShmSegments.h"
+#include "X11RootReader.h"
 
 #include "platform/ScreenCapturer.h"
 
@@ -9,17 +9,16 @@
 class DesktopSpace;
 class X11DisplayProvider;
 
-// Screen images on X11, read from the root window at the displays' own pixel size: through a reused
-// MIT-SHM segment, or with a plain GetImage where the server has no shared memory. A whole display is
-// handed out still in its segment (the frozen background of a selection, read in a few milliseconds
-// even at 4K); any part of the screen is copied out so the segment is free again at once.
+// Screen images on X11, read from the root window at the displays' own pixel size (X11RootReader). A
+// whole display is handed out still in its shared segment (the frozen background of a selection, read
+// in a few milliseconds even at 4K); any part of the screen is copied out so the segment is free again
+// at once.
 //
 // Everything runs on the main thread, on Qt's own connection, and completes before returning.
 class X11ScreenCapturer final : public ScreenCapturer
 {
 public:
-    // GetImage only is what a server without MIT-SHM gets; asking for it serves comparisons.
-    enum class Transfer { SharedMemoryIfAvailable, GetImageOnly };
+    using Transfer = X11RootReader::Transfer;
 
     X11ScreenCapturer(xcb_connection_t *connection, const X11DisplayProvider &displays,
                       Transfer transfer = Transfer::SharedMemoryIfAvailable);
@@ -37,16 +36,9 @@ public:
     };
     // `keepShared`: the image may keep reading the shared segment instead of owning its pixels.
     Grab grabRoot(const QRect &native, bool keepShared);
-    bool usesSharedMemory() const { return m_useSharedMemory && m_segments.isAvailable(); }
+    bool usesSharedMemory() const { return m_reader.usesSharedMemory(); }
 
 private:
-    QImage getImage(const QRect &native) const;
-
-    xcb_connection_t *m_connection;
     const X11DisplayProvider &m_displays;
-    xcb_window_t m_root = 0;
-    QSize m_rootSize;
-    std::optional<QString> m_formatProblem;
-    bool m_useSharedMemory = true;
-    X11ShmSegments m_segments;
+    X11RootReader m_reader;
 };

@@ -33,6 +33,11 @@ std::optional<QString> unreachableDisplayMessage(const QString &display)
     xcb_disconnect(connection);
     if (error == 0)
         return std::nullopt;
+    return unreachableDisplayText(display);
+}
+
+QString unreachableDisplayText(const QString &display)
+{
     return u"Cannot open the X display \"%1\": no X server answers there, or this user may not connect to it "
            "(check DISPLAY and XAUTHORITY)."_s.arg(display);
 }

@@ -15,5 +15,7 @@ std::optional<QString> missingDisplayMessage(const QProcessEnvironment &environm
 
 // Connects to the display once: the message when it cannot be reached, or nothing.
 std::optional<QString> unreachableDisplayMessage(const QString &display);
+// The message itself, for callers that connect on their own.
+QString unreachableDisplayText(const QString &display);
 
 } // namespace x11session

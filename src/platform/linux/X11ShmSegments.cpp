@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include <sys/ipc.h>
+#include <sys/mman.h>
 #include <sys/shm.h>
 
 struct X11ShmSegments::Segment
@@ -10,6 +11,8 @@ struct X11ShmSegments::Segment
     xcb_shm_seg_t id = 0;
     void *address = nullptr;
     size_t size = 0;
+    // How much of the segment this process has mapped in already.
+    size_t mappedBytes = 0;
 };
 
 X11ShmSegments::X11ShmSegments(xcb_connection_t *connection) : m_connection(connection)
@@ -65,7 +68,7 @@ std::shared_ptr<X11ShmSegments::Segment> X11ShmSegments::acquire(size_t bytes)
     return best;
 }
 
-QImage X11ShmSegments::grab(xcb_drawable_t drawable, const QRect &rect, QImage::Format format)
+X11Pixels X11ShmSegments::grab(xcb_drawable_t drawable, const QRect &rect)
 {
     if (!m_isAvailable || rect.isEmpty())
         return {};
@@ -83,10 +86,14 @@ QImage X11ShmSegments::grab(xcb_drawable_t drawable, const QRect &rect, QImage::
     if (!reply)
         return {};
     std::free(reply);
-    // The image holds a reference to its segment; dropping the last copy of the image lets it go.
-    auto *hold = new std::shared_ptr<Segment>(segment);
-    return QImage(static_cast<uchar *>(segment->address), rect.width(), rect.height(), qsizetype(stride), format,
-                  [](void *info) { delete static_cast<std::shared_ptr<Segment> *>(info); }, hold);
+    // The first read of freshly written pages would fault them in one by one; one call maps them all.
+    const size_t bytes = stride * size_t(rect.height());
+    if (bytes > segment->mappedBytes) {
+        madvise(segment->address, bytes, MADV_POPULATE_READ);
+        segment->mappedBytes = bytes;
+    }
+    // The pixels hold a reference to their segment; dropping the last copy of them lets it go.
+    return {segment, static_cast<const uchar *>(segment->address), rect.width(), rect.height(), qsizetype(stride)};
 }
 
 void X11ShmSegments::trim(size_t count)

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QImage>
+#include "X11Pixels.h"
+
 #include <QRect>
 
 #include <memory>
@@ -11,8 +12,8 @@
 #include <xcb/shm.h>
 
 // Shared-memory segments the X server copies screen pixels into (MIT-SHM), kept and reused: making a
-// segment costs more than the grab itself. An image handed out may keep reading its segment; the
-// segment stays out of reuse until the last copy of that image is gone, on whichever thread that is.
+// segment costs more than the grab itself. Pixels handed out keep reading their segment; the segment
+// stays out of reuse until the last copy of them is gone, on whichever thread that is.
 // Making, reusing and dropping segments happens on the main thread only.
 class X11ShmSegments final
 {
@@ -27,8 +28,8 @@ public:
     bool isAvailable() const { return m_isAvailable; }
 
     // The pixels of `rect` of `drawable` (32 bits per pixel, as the root's format is checked to be),
-    // reading straight from a segment; a null image when the server refused.
-    QImage grab(xcb_drawable_t drawable, const QRect &rect, QImage::Format format);
+    // reading straight from a segment; null when the server refused.
+    X11Pixels grab(xcb_drawable_t drawable, const QRect &rect);
     // Keeps at most `count` unused segments, dropping the others.
     void trim(size_t count);
 

@@ -30,6 +30,7 @@ public:
 
     void setContentView(SelectionView *view) override { m_qtWindow->setContentView(view); }
     void setNeedsDisplay() override { m_qtWindow->setNeedsDisplay(); }
+    void setNeedsDisplayInRect(const Rect &rect) override { m_qtWindow->setNeedsDisplayInRect(rect); }
     void displayIfNeeded() override { m_qtWindow->displayIfNeeded(); }
 
     void makeKeyAndOrderFront() override;
