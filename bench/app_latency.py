@@ -19,7 +19,7 @@ import subprocess
 import sys
 import time
 
-from benchsession import Session, load_average, wait_until
+from benchsession import Session, load_average, publish, wait_until
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 MEMORY_FIELDS = ("VmRSS", "RssAnon", "RssFile", "RssShmem")
@@ -282,11 +282,7 @@ def main():
             quiet.terminate()
             quiet.wait()
             session.close()
-    text = json.dumps(report, indent=1)
-    if arguments.json:
-        with open(arguments.json, "w") as out:
-            out.write(text)
-    print(text)
+    publish(report, arguments.json)
 
 
 if __name__ == "__main__":

@@ -4,6 +4,7 @@ XEmbed tray, private HOME and XDG folders. Everything it starts, and everything 
 activated services), is stopped when the session ends: the process is made a subreaper so orphans
 come back to it."""
 import ctypes
+import json
 import os
 import platform
 import shutil
@@ -30,6 +31,15 @@ def wait_until(condition, timeout=10.0, interval=0.02):
             return value
         time.sleep(interval)
     return condition()
+
+
+def publish(report, json_path=None):
+    """Prints the report as JSON, and writes it to json_path too when given."""
+    text = json.dumps(report, indent=1)
+    if json_path:
+        with open(json_path, "w") as out:
+            out.write(text)
+    print(text)
 
 
 def machine_description():

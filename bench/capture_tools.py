@@ -9,7 +9,6 @@ the peak resident memory of the process (ru_maxrss).
 
 usage: capture_tools.py VISTREL CACHE_FOLDER [--rounds N] [--warmup N] [--json FILE]"""
 import argparse
-import json
 import os
 import tempfile
 import shutil
@@ -17,7 +16,7 @@ import statistics
 import subprocess
 import sys
 
-from benchsession import Session, differs, load_average, now_ms
+from benchsession import Session, differs, load_average, now_ms, publish
 
 REGION_SIZE = (1280, 720)
 
@@ -151,11 +150,7 @@ def main():
                     print(f"  {name:10} {row}", file=sys.stderr)
         finally:
             session.close()
-    text = json.dumps(report, indent=1)
-    if arguments.json:
-        with open(arguments.json, "w") as out:
-            out.write(text)
-    print(text)
+    publish(report, arguments.json)
 
 
 if __name__ == "__main__":
