@@ -50,10 +50,8 @@ private slots:
     void containsUsesPaddedHalfOpenBox();
     void undoAndRedo();
     void historyIsBoundedAndTrimmedFromTheFront();
-    void updateOverlaySetsOnlyWhatIsGiven();
     void moveOverlayShiftsFreehandPoints();
-    void unknownIdsChangeNothing();
-    void removeOverlayRemovesByIdentity();
+    void overlaysAreChangedByIdentity();
     void newOverlaysTakeTheSavedFillColour();
 };
 
@@ -147,19 +145,6 @@ void EditorModelTest::historyIsBoundedAndTrimmedFromTheFront()
     QCOMPARE(model.redoStack().size(), 100);
 }
 
-void EditorModelTest::updateOverlaySetsOnlyWhatIsGiven()
-{
-    ModelFixture f;
-    const Overlay overlay = rectangleAt(1);
-    f.model.appendOverlay(overlay);
-    f.model.updateOverlay(overlay.id, std::nullopt, QPointF(50, 60));
-    QCOMPARE(f.model.overlays().first().startPoint, QPointF(1, 0));
-    QCOMPARE(f.model.overlays().first().endPoint, QPointF(50, 60));
-    f.model.updateOverlay(overlay.id, QPointF(-3, -4), std::nullopt);
-    QCOMPARE(f.model.overlays().first().startPoint, QPointF(-3, -4));
-    QCOMPARE(f.model.overlays().first().endPoint, QPointF(50, 60));
-}
-
 void EditorModelTest::moveOverlayShiftsFreehandPoints()
 {
     ModelFixture f;
@@ -180,10 +165,27 @@ void EditorModelTest::moveOverlayShiftsFreehandPoints()
     QCOMPARE(f.model.undoStack().last().first().points, stroke.points);
 }
 
-void EditorModelTest::unknownIdsChangeNothing()
+void EditorModelTest::overlaysAreChangedByIdentity()
 {
     ModelFixture f;
-    f.model.appendOverlay(rectangleAt(1));
+    const Overlay a = rectangleAt(1);
+    const Overlay b = rectangleAt(1);
+    f.model.setOverlays({a, b, rectangleAt(3)});
+    QCOMPARE(f.model.indexOfOverlay(b.id), std::optional<qsizetype>(1));
+    // Only the points given are set.
+    f.model.updateOverlay(b.id, std::nullopt, QPointF(50, 60));
+    QCOMPARE(f.model.overlays().at(1).startPoint, QPointF(1, 0));
+    QCOMPARE(f.model.overlays().at(1).endPoint, QPointF(50, 60));
+    f.model.updateOverlay(b.id, QPointF(-3, -4), std::nullopt);
+    QCOMPARE(f.model.overlays().at(1).startPoint, QPointF(-3, -4));
+    QCOMPARE(f.model.overlays().at(1).endPoint, QPointF(50, 60));
+    QCOMPARE(f.model.overlays().first(), a);
+    f.model.removeOverlay(a.id);
+    QCOMPARE(f.model.overlays().size(), 2);
+    QCOMPARE(f.model.indexOfOverlay(a.id), std::optional<qsizetype>());
+    QCOMPARE(f.model.indexOfOverlay(b.id), std::optional<qsizetype>(0));
+
+    // An id that names no overlay changes nothing.
     const QList<Overlay> before = f.model.overlays();
     QSignalSpy spy(&f.model, &ImageEditorModel::overlaysChanged);
     const QUuid stranger = QUuid::createUuid();
@@ -193,19 +195,6 @@ void EditorModelTest::unknownIdsChangeNothing()
     QCOMPARE(f.model.indexOfOverlay(stranger), std::optional<qsizetype>());
     QCOMPARE(f.model.overlays(), before);
     QCOMPARE(spy.count(), 0);
-}
-
-void EditorModelTest::removeOverlayRemovesByIdentity()
-{
-    ModelFixture f;
-    const Overlay a = rectangleAt(1);
-    const Overlay b = rectangleAt(1);
-    f.model.setOverlays({a, b, rectangleAt(3)});
-    QCOMPARE(f.model.indexOfOverlay(b.id), std::optional<qsizetype>(1));
-    f.model.removeOverlay(a.id);
-    QCOMPARE(f.model.overlays().size(), 2);
-    QCOMPARE(f.model.indexOfOverlay(a.id), std::optional<qsizetype>());
-    QCOMPARE(f.model.indexOfOverlay(b.id), std::optional<qsizetype>(0));
 }
 
 void EditorModelTest::newOverlaysTakeTheSavedFillColour()

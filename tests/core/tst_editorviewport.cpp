@@ -40,7 +40,6 @@ private slots:
     void canvasGeometry();
     void conversionsAreInverses_data();
     void conversionsAreInverses();
-    void overlayRectInViewIsTopLeftOrigin();
     void resetButtonState_data();
     void resetButtonState();
     void zoomControls();
@@ -104,14 +103,6 @@ void EditorViewportTest::conversionsAreInverses()
     QCOMPARE(f.viewport.convertToViewPoint(imagePoint), viewPoint);
     QCOMPARE(f.viewport.convertToViewPoint(f.viewport.convertToImagePoint(viewPoint)), viewPoint);
     QCOMPARE(f.viewport.imageToViewTransform().map(imagePoint), viewPoint);
-}
-
-void EditorViewportTest::overlayRectInViewIsTopLeftOrigin()
-{
-    ViewportFixture f(QSize(100, 50));
-    f.viewport.setZoomScale(2);
-    const Overlay overlay(EditorTool::Rectangle, {60, 40}, {10, 20}, Qt::red, QString(), Qt::cyan);
-    QCOMPARE(f.viewport.overlayRectInView(overlay), QRectF(1020, 1020, 100, 40));
 }
 
 void EditorViewportTest::resetButtonState_data()
