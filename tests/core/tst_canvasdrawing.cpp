@@ -1,11 +1,52 @@
 #include "TestPrinters.h"
 #include "helpers/EditorViewFixture.h"
 
+#include "editor/SystemColors.h"
+
+#include <QPainter>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
 Q_DECLARE_METATYPE(EditorTool)
+
+namespace {
+
+// The canvas as the widget paints it.
+QImage paintedCanvas(const ImageEditorView &view)
+{
+    const QSize size = view.viewport().zoomedCanvasSize().toSize();
+    QImage canvas(size, QImage::Format_RGB32);
+    canvas.fill(Qt::black);
+    QPainter painter(&canvas);
+    view.paintCanvas(painter);
+    return canvas;
+}
+
+// A picture with some structure, so that mosaics and misplaced drawing show.
+QImage pattern()
+{
+    QImage image(200, 120, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, qRgb((x * 5) % 256, (y * 7) % 256, ((x + y) * 3) % 256));
+    return image;
+}
+
+int largestChannelDifference(const QImage &a, const QImage &b)
+{
+    int largest = 0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x) {
+            const QRgb p = a.pixel(x, y);
+            const QRgb q = b.pixel(x, y);
+            largest = std::max({largest, std::abs(qRed(p) - qRed(q)), std::abs(qGreen(p) - qGreen(q)),
+                                std::abs(qBlue(p) - qBlue(q))});
+        }
+    return largest;
+}
+
+} // namespace
 
 class CanvasDrawingTest : public QObject
 {
@@ -14,72 +55,60 @@ class CanvasDrawingTest : public QObject
 private slots:
     void dragDrawsOneOverlayOfTheTool_data();
     void dragDrawsOneOverlayOfTheTool();
-    void clickWithoutMovementStillDraws_data();
-    void clickWithoutMovementStillDraws();
-    void overlayBeingDrawnIsNotInTheDocument();
-    void textToolMakesABoxToTypeIn();
+    void overlayBeingDrawnIsNotInTheDocumentUntilReleased();
+    void textToolMakesABoxWhoseTextIsLeftToTheField();
     void freehandTakesPointsFarEnoughApart();
     void newOverlaysTakeTheModelStyles();
-    void cancelledDrawAddsNothing();
     void mappingStaysFrozenWhileDrawing();
+    void canvasShowsWhatIsSaved();
+    void handlesOfTheSelectionArePainted();
+    void saveDeliversTheFlattenedPicture();
 };
 
 void CanvasDrawingTest::dragDrawsOneOverlayOfTheTool_data()
 {
     QTest::addColumn<EditorTool>("tool");
+    QTest::addColumn<QList<QPointF>>("path");
+    QTest::addColumn<QPointF>("end");
+    QTest::addColumn<QList<QPointF>>("points");
+    const QList<QPointF> drag{{10, 250}, {60, 200}, {110, 170}};
+    // As drawn, not normalised: an arrow points from the press to the release.
     for (EditorTool tool : {EditorTool::Rectangle, EditorTool::Circle, EditorTool::Arrow, EditorTool::Mosaic})
-        QTest::newRow(qPrintable(editortool::rawValue(tool))) << tool;
+        QTest::newRow(qPrintable(editortool::rawValue(tool))) << tool << drag << QPointF(110, 170) << QList<QPointF>();
+    const QList<QPointF> click{{10, 250}};
+    QTest::newRow("click: rectangle of no size") << EditorTool::Rectangle << click << click.first() << QList<QPointF>();
+    QTest::newRow("click: arrow dot") << EditorTool::Arrow << click << click.first() << QList<QPointF>();
+    QTest::newRow("click: freehand dot of two points") << EditorTool::Freehand << click << click.first()
+                                                       << QList<QPointF>{click.first(), click.first()};
 }
 
 void CanvasDrawingTest::dragDrawsOneOverlayOfTheTool()
 {
     QFETCH(EditorTool, tool);
+    QFETCH(QList<QPointF>, path);
+    QFETCH(QPointF, end);
+    QFETCH(QList<QPointF>, points);
     EditorViewFixture f;
     f.model->setSelectedTool(tool);
-    f.drag({f.at(10, 250), f.at(60, 200), f.at(110, 170)});
+    QList<QPointF> inView;
+    for (QPointF point : path)
+        inView.append(f.at(point.x(), point.y()));
+    f.drag(inView);
 
     QCOMPARE(f.model->overlays().size(), 1);
     const Overlay overlay = f.model->overlays().first();
     QCOMPARE(overlay.type, tool);
-    // As drawn, not normalised: an arrow points from the press to the release.
     QCOMPARE(overlay.startPoint, QPointF(10, 250));
-    QCOMPARE(overlay.endPoint, QPointF(110, 170));
-    QCOMPARE(f.undoSteps(), 1);
-    QCOMPARE(f.model->undoStack().first(), QList<Overlay>());
+    QCOMPARE(overlay.endPoint, end);
+    QCOMPARE(overlay.points, points);
+    QCOMPARE(f.model->undoStack(), QList<QList<Overlay>>(1)); // one step, back to nothing
     QVERIFY(!f.interaction().activeOverlay());
     QVERIFY(!f.view.viewport().interactionCanvasImageRect());
     QVERIFY(f.interaction().isDrawMode());
     QVERIFY(!f.interaction().selectedOverlayID());
 }
 
-void CanvasDrawingTest::clickWithoutMovementStillDraws_data()
-{
-    QTest::addColumn<EditorTool>("tool");
-    QTest::addColumn<QPointF>("end");
-    QTest::addColumn<QList<QPointF>>("points");
-    QTest::newRow("rectangle of no size") << EditorTool::Rectangle << QPointF(30, 40) << QList<QPointF>();
-    QTest::newRow("arrow dot") << EditorTool::Arrow << QPointF(30, 40) << QList<QPointF>();
-    QTest::newRow("freehand dot of two points") << EditorTool::Freehand << QPointF(30, 40)
-                                                << QList<QPointF>{{30, 40}, {30, 40}};
-    QTest::newRow("text box of full size") << EditorTool::Text << QPointF(290, 112) << QList<QPointF>();
-}
-
-void CanvasDrawingTest::clickWithoutMovementStillDraws()
-{
-    QFETCH(EditorTool, tool);
-    QFETCH(QPointF, end);
-    QFETCH(QList<QPointF>, points);
-    EditorViewFixture f;
-    f.model->setSelectedTool(tool);
-    f.click(f.at(30, 40));
-    QCOMPARE(f.model->overlays().size(), 1);
-    QCOMPARE(f.model->overlays().first().startPoint, QPointF(30, 40));
-    QCOMPARE(f.model->overlays().first().endPoint, end);
-    QCOMPARE(f.model->overlays().first().points, points);
-    QCOMPARE(f.undoSteps(), 1);
-}
-
-void CanvasDrawingTest::overlayBeingDrawnIsNotInTheDocument()
+void CanvasDrawingTest::overlayBeingDrawnIsNotInTheDocumentUntilReleased()
 {
     EditorViewFixture f;
     f.pointer().pointerPressed(f.at(10, 10));
@@ -89,26 +118,54 @@ void CanvasDrawingTest::overlayBeingDrawnIsNotInTheDocument()
     QVERIFY(f.model->overlays().isEmpty());
     QVERIFY(!f.model->canUndo());
     QVERIFY(f.view.viewport().interactionCanvasImageRect());
+    // A cancelled drag adds nothing, even when a release follows.
+    f.pointer().pointerCancelled();
+    f.pointer().pointerReleased(f.at(50, 50));
+    QVERIFY(f.model->overlays().isEmpty());
+    QVERIFY(!f.interaction().activeOverlay());
+    QVERIFY(!f.model->canUndo());
 }
 
-void CanvasDrawingTest::textToolMakesABoxToTypeIn()
+void CanvasDrawingTest::textToolMakesABoxWhoseTextIsLeftToTheField()
 {
     EditorViewFixture f;
+    f.model->setImage(pattern());
+    f.model->setSelectedTextFillColor(QColor(255, 255, 255));
+    f.model->setSelectedTextFontSize(30);
     f.model->setSelectedTool(EditorTool::Text);
     // The movement of the drag does not matter.
-    f.drag({f.at(100, 100), f.at(180, 20)});
+    f.drag({f.at(10, 10), f.at(90, -70)});
 
     const Overlay box = f.model->overlays().first();
     QCOMPARE(box.type, EditorTool::Text);
     QCOMPARE(box.text, u"テキスト"_s);
-    QCOMPARE(box.rect(), Rect(100, 100, 260, 72));
+    QCOMPARE(box.rect(), Rect(10, 10, 260, 72));
     QCOMPARE(f.interaction().selectedOverlayID(), std::optional(box.id));
     QVERIFY(!f.interaction().isDrawMode());
     QVERIFY(!f.interaction().focusedTextOverlayID()); // once its field exists
+
+    f.view.viewport().setZoomScale(2);
+    const QImage canvas = paintedCanvas(f.view);
+    const QRectF inView = f.view.viewport().overlayRectInView(box);
+    QCOMPARE(inView, QRectF(1020, 1000 + 2 * (120 - 82), 520, 144));
+    // Inside the border the box is plain fill: the text is the field's.
+    const QRect inside = inView.adjusted(12, 12, -12, -12).toRect();
+    for (int y = inside.top(); y <= inside.bottom(); y += 3)
+        for (int x = inside.left(); x <= inside.right(); x += 3)
+            QCOMPARE(canvas.pixel(x, y), qRgb(255, 255, 255));
+    QCOMPARE(f.view.textFields().size(), 1);
+    const ImageEditorView::TextField field = f.view.textFields().first();
+    QCOMPARE(field.frame, inView.adjusted(8, 4, -8, -4));
+    QCOMPARE(field.font.pixelSize(), 60);
+    QCOMPARE(field.text, u"テキスト"_s);
+    QCOMPARE(field.textColor, box.color);
+
     f.scheduler.runUntilIdle();
     QCOMPARE(f.interaction().focusedTextOverlayID(), std::optional(box.id));
-    QCOMPARE(f.view.textFields().size(), 1);
     QVERIFY(f.view.textFields().first().isFocused);
+    QVERIFY(f.view.textFields().first().acceptsPointer);
+    f.interaction().setDrawMode(true);
+    QVERIFY(!f.view.textFields().first().acceptsPointer);
 }
 
 void CanvasDrawingTest::freehandTakesPointsFarEnoughApart()
@@ -148,18 +205,6 @@ void CanvasDrawingTest::newOverlaysTakeTheModelStyles()
     QCOMPARE(frame.fontFamily, u"Helvetica"_s);
 }
 
-void CanvasDrawingTest::cancelledDrawAddsNothing()
-{
-    EditorViewFixture f;
-    f.pointer().pointerPressed(f.at(10, 10));
-    f.pointer().pointerMoved(f.at(50, 50));
-    f.pointer().pointerCancelled();
-    f.pointer().pointerReleased(f.at(50, 50));
-    QVERIFY(f.model->overlays().isEmpty());
-    QVERIFY(!f.interaction().activeOverlay());
-    QVERIFY(!f.model->canUndo());
-}
-
 void CanvasDrawingTest::mappingStaysFrozenWhileDrawing()
 {
     EditorViewFixture f;
@@ -172,6 +217,66 @@ void CanvasDrawingTest::mappingStaysFrozenWhileDrawing()
     f.pointer().pointerReleased(press + QPointF(20, 20));
     QCOMPARE(f.model->overlays().first().startPoint, QPointF(-250, 550));
     QCOMPARE(f.model->overlays().first().endPoint, QPointF(-240, 540));
+}
+
+void CanvasDrawingTest::canvasShowsWhatIsSaved()
+{
+    EditorViewFixture f;
+    f.model->setImage(pattern());
+    f.place(EditorTool::Rectangle, {20, 20}, {90, 70});
+    f.place(EditorTool::Arrow, {100, 10}, {180, 90});
+    f.place(EditorTool::Mosaic, {120, 60}, {190, 110});
+    Overlay stroke = f.place(EditorTool::Freehand, {10, 100}, {60, 110});
+    stroke.points = {{10, 100}, {30, 110}, {60, 104}};
+    f.model->replaceOverlay(stroke);
+
+    const QImage canvas = paintedCanvas(f.view);
+    const QImage shown = canvas.copy(f.view.viewport().imageFrameInCanvas().toRect());
+    const QImage saved = f.model->renderEditedImage().convertToFormat(QImage::Format_RGB32);
+    QCOMPARE(shown.size(), saved.size());
+    QVERIFY2(largestChannelDifference(shown, saved) <= 2, "the canvas differs from the saved picture");
+    QCOMPARE(canvas.pixelColor(5, 5), ImageEditorView::canvasBackground);
+}
+
+void CanvasDrawingTest::handlesOfTheSelectionArePainted()
+{
+    EditorViewFixture f;
+    const Overlay frame = f.add(EditorTool::Rectangle, {10, 20}, {50, 40});
+    QVERIFY(f.view.handles().isEmpty());
+    f.interaction().setSelectedOverlayID(frame.id);
+    const QImage canvas = paintedCanvas(f.view);
+    QList<QPointF> centres;
+    for (const ImageEditorView::Handle &handle : f.view.handles()) {
+        centres.append(handle.center);
+        const QPoint centre = handle.center.toPoint();
+        QCOMPARE(canvas.pixelColor(centre), QColor(Qt::white));
+        QCOMPARE(canvas.pixelColor(centre + QPoint(5, 0)), systemcolors::systemRed()); // wholly on the ring
+    }
+    // Bottom-left, bottom-right, top-right, top-left on screen; the same size at any zoom.
+    QCOMPARE(centres, (QList<QPointF>{{510, 780}, {550, 780}, {550, 760}, {510, 760}}));
+    const double diameter = f.view.handles().first().diameter;
+    f.view.viewport().setZoomScale(2);
+    QCOMPARE(f.view.handles().first().diameter, diameter);
+
+    f.model->setSelectedTool(EditorTool::Freehand);
+    f.drag({f.at(0, 0), f.at(10, 10)});
+    f.interaction().setSelectedOverlayID(f.model->overlays().last().id);
+    QVERIFY(f.view.handles().isEmpty());
+}
+
+void CanvasDrawingTest::saveDeliversTheFlattenedPicture()
+{
+    EditorViewFixture f;
+    f.add(EditorTool::Rectangle, {-20, 10}, {40, 40});
+    QList<QImage> saved;
+    f.view.onSave = [&saved](const QImage &image) { saved.append(image); };
+    f.view.save();
+    QCOMPARE(saved, QList<QImage>{f.model->renderEditedImage()});
+    QCOMPARE(saved.first().width(), 400 + 22); // grown to the left by the overlay and its stroke
+
+    f.model->setImage(QImage());
+    f.view.save();
+    QVERIFY(saved.last().isNull()); // nothing to flatten: the picture as it is
 }
 
 QTEST_MAIN(CanvasDrawingTest)

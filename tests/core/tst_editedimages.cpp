@@ -51,12 +51,10 @@ private slots:
     void saveFailures();
     void primarySaveReadsTheSourceAtSaveTime();
     void detachedSaveUsesItsOwnSource();
-    void openingFiles_data();
-    void openingFiles();
+    void unreadableFileIsAlertedAndLogged();
     void pastingFromTheClipboard_data();
     void pastingFromTheClipboard();
-    void openPanel();
-    void droppedFileOpensInThePrimaryWindow();
+    void openPanelOpensTheChosenImage();
 };
 
 void EditedImagesTest::editedNames_data()
@@ -183,10 +181,9 @@ void EditedImagesTest::saveFailures()
 void EditedImagesTest::primarySaveReadsTheSourceAtSaveTime()
 {
     EditorManagerFixture f;
-    f.settings.setOpenEditorViaNotification(false);
-    f.settings.setKeepExistingEditorWindowOnAutoOpen(true);
+    f.openWithoutNotification(true);
     f.settings.setIncludeDate(false);
-    QTemporaryDir shots;
+    const QDir shots(f.captureFolder.path());
     f.handOff(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"A.png"_s)));
     const std::shared_ptr<ImageEditorView> primary = f.primary()->contentAs<ImageEditorView>();
     // A second capture in an extra window clears the prepared source.
@@ -200,7 +197,7 @@ void EditedImagesTest::primarySaveReadsTheSourceAtSaveTime()
 void EditedImagesTest::detachedSaveUsesItsOwnSource()
 {
     EditorManagerFixture f;
-    QTemporaryDir shots;
+    const QDir shots(f.captureFolder.path());
     const QUrl source = QUrl::fromLocalFile(shots.filePath(u"B.png"_s));
     f.manager.openDetachedEditorWindow(std::make_shared<ImageEditorModel>(EditorManagerFixture::picture(), f.store),
                                        source);
@@ -213,41 +210,18 @@ void EditedImagesTest::detachedSaveUsesItsOwnSource()
     QVERIFY(f.manager.detachedEditorWindows().isEmpty());
 }
 
-void EditedImagesTest::openingFiles_data()
+void EditedImagesTest::unreadableFileIsAlertedAndLogged()
 {
-    QTest::addColumn<QByteArray>("contents");
-    QTest::addColumn<bool>("opens");
-    const QByteArray png = encoded(EditorManagerFixture::picture(50, 20), "PNG");
-    QTest::newRow("PNG named .png") << png << true;
-    QTest::newRow("JPEG") << encoded(EditorManagerFixture::picture(50, 20), "JPEG") << true;
-    QTest::newRow("zero bytes") << QByteArray() << false;
-    QTest::newRow("truncated PNG") << png.left(png.size() / 2) << false;
-    QTest::newRow("corrupt PNG") << QByteArray(png).replace(40, 30, QByteArray(30, '\xff')) << false;
-    QTest::newRow("text") << QByteArray("just some words\n") << false;
-}
-
-void EditedImagesTest::openingFiles()
-{
-    QFETCH(QByteArray, contents);
-    QFETCH(bool, opens);
     EditorManagerFixture f;
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"picture.png"_s);
-    writeFile(path, contents);
-    const QUrl url = QUrl::fromLocalFile(path);
-
-    f.manager.openImageFile(url);
-    if (opens) {
-        QVERIFY(f.alerts.alerts.isEmpty());
-        QCOMPARE(f.manager.sourceFileURL(), std::optional(url));
-        QCOMPARE(f.primary()->contentAs<ImageEditorView>()->model().image().size(), QSize(50, 20));
-    } else {
-        QCOMPARE(f.alerts.alerts, QList{unreadableFileAlert});
-        QVERIFY(!f.manager.model());
-        QVERIFY(f.windows.windows.isEmpty());
-        QCOMPARE(f.diagnostics.lines().size(), 1);
-        QVERIFY(f.diagnostics.lines().first().startsWith(u"openImageFile failed url=file://"_s + path));
-    }
+    const QString path = f.captureFolder.filePath(u"picture.png"_s);
+    const QByteArray png = encoded(EditorManagerFixture::picture(50, 20), "PNG");
+    writeFile(path, png.left(png.size() / 2));
+    f.manager.openImageFile(QUrl::fromLocalFile(path));
+    QCOMPARE(f.alerts.alerts, QList{unreadableFileAlert});
+    QVERIFY(!f.manager.model());
+    QVERIFY(f.windows.windows.isEmpty());
+    QCOMPARE(f.diagnostics.lines().size(), 1);
+    QVERIFY(f.diagnostics.lines().first().startsWith(u"openImageFile failed url=file://"_s + path));
 }
 
 void EditedImagesTest::pastingFromTheClipboard_data()
@@ -298,7 +272,7 @@ void EditedImagesTest::pastingFromTheClipboard()
     QCOMPARE(shown.pixelColor(3, 3), expected);
 }
 
-void EditedImagesTest::openPanel()
+void EditedImagesTest::openPanelOpensTheChosenImage()
 {
     EditorManagerFixture f;
     f.manager.openImagePanel();
@@ -312,30 +286,12 @@ void EditedImagesTest::openPanel()
     QVERIFY(request.allowedContentTypes.contains(u"image/jpeg"_s));
     QVERIFY(f.windows.windows.isEmpty()); // cancelled
 
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"chosen.png"_s);
+    const QString path = f.captureFolder.filePath(u"chosen.png"_s);
     writeFile(path, encoded(EditorManagerFixture::picture(12, 34), "PNG"));
     f.openPanel.chosen = QUrl::fromLocalFile(path);
     f.manager.openImagePanel();
     QCOMPARE(f.manager.sourceFileURL(), f.openPanel.chosen);
     QCOMPARE(f.primary()->contentAs<ImageEditorView>()->model().image().size(), QSize(12, 34));
-}
-
-void EditedImagesTest::droppedFileOpensInThePrimaryWindow()
-{
-    EditorManagerFixture f;
-    QTemporaryDir folder;
-    const QString path = folder.filePath(u"dropped.png"_s);
-    writeFile(path, encoded(EditorManagerFixture::picture(7, 9), "PNG"));
-    f.manager.openEditorLauncher();
-    FakeEditorWindow *window = f.primary();
-
-    QVERIFY(window->contentAs<EditorDropTargetView>()->performDrop({{QUrl::fromLocalFile(path)}}));
-    QVERIFY(window->contentAs<EditorDropTargetView>()); // opened after the drop has finished
-    f.scheduler.runUntilIdle();
-    QCOMPARE(f.primary(), window);
-    QCOMPARE(window->contentAs<ImageEditorView>()->model().image().size(), QSize(7, 9));
-    QCOMPARE(f.manager.sourceFileURL(), std::optional(QUrl::fromLocalFile(path)));
 }
 
 QTEST_MAIN(EditedImagesTest)

@@ -18,6 +18,12 @@ QImage smallImage()
     return image;
 }
 
+struct ModelFixture
+{
+    FakeKeyValueStore store;
+    ImageEditorModel model{smallImage(), store};
+};
+
 Overlay rectangleAt(double x)
 {
     return Overlay(EditorTool::Rectangle, {x, 0}, {x + 10, 10}, Qt::red, QString(), Qt::cyan);
@@ -39,65 +45,23 @@ class EditorModelTest : public QObject
     Q_OBJECT
 
 private slots:
-    void toolFromText_data();
-    void toolFromText();
-    void toolOrderAndLabels();
-    void overlayDefaults();
+    void toolLabelsRoundTripAndNothingElseIsATool();
     void containsUsesPaddedHalfOpenBox_data();
     void containsUsesPaddedHalfOpenBox();
-    void freshModelHasNothingToUndo();
+    void undoAndRedo();
     void historyIsBoundedAndTrimmedFromTheFront();
-    void undoRedoRoundTrip();
-    void recordAfterUndoForfeitsRedo();
-    void flagsAreAnnouncedOnEveryOperation();
-    void undoLeavesStylesAlone();
-    void updateOverlaySetsOnlyWhatIsGiven();
     void moveOverlayShiftsFreehandPoints();
-    void unknownIdsChangeNothing();
-    void removeOverlayRemovesByIdentity();
+    void overlaysAreChangedByIdentity();
     void newOverlaysTakeTheSavedFillColour();
 };
 
-void EditorModelTest::toolFromText_data()
+void EditorModelTest::toolLabelsRoundTripAndNothingElseIsATool()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<std::optional<EditorTool>>("expected");
-    QTest::newRow("rectangle label") << u"四角枠"_s << std::optional(EditorTool::Rectangle);
-    QTest::newRow("circle label") << u"丸枠"_s << std::optional(EditorTool::Circle);
-    QTest::newRow("arrow label") << u"矢印"_s << std::optional(EditorTool::Arrow);
-    QTest::newRow("freehand label") << u"フリーハンド"_s << std::optional(EditorTool::Freehand);
-    QTest::newRow("mosaic label") << u"モザイク"_s << std::optional(EditorTool::Mosaic);
-    QTest::newRow("text label") << u"文字入力"_s << std::optional(EditorTool::Text);
-    QTest::newRow("english case name is refused") << u"mosaic"_s << std::optional<EditorTool>();
-    QTest::newRow("label with a blank is refused") << u"モザイク "_s << std::optional<EditorTool>();
-    QTest::newRow("half-width katakana is refused") << u"ﾓｻﾞｲｸ"_s << std::optional<EditorTool>();
-    QTest::newRow("empty is refused") << QString() << std::optional<EditorTool>();
-}
-
-void EditorModelTest::toolFromText()
-{
-    QFETCH(QString, text);
-    QFETCH(std::optional<EditorTool>, expected);
-    QCOMPARE(editortool::fromRawValue(text), expected);
-}
-
-void EditorModelTest::toolOrderAndLabels()
-{
-    QStringList labels;
     for (EditorTool tool : editortool::allCases())
-        labels.append(editortool::rawValue(tool));
-    QCOMPARE(labels, (QStringList{u"四角枠"_s, u"丸枠"_s, u"矢印"_s, u"フリーハンド"_s, u"モザイク"_s, u"文字入力"_s}));
-}
-
-void EditorModelTest::overlayDefaults()
-{
-    const Overlay a(EditorTool::Text, {1, 2}, {3, 4}, Qt::red, u"x"_s, Qt::cyan);
-    const Overlay b(EditorTool::Text, {1, 2}, {3, 4}, Qt::red, u"x"_s, Qt::cyan);
-    QCOMPARE(a.fontFamily, u"Helvetica"_s);
-    QCOMPARE(a.fontSize, 20.0);
-    QVERIFY(a.points.isEmpty());
-    QVERIFY(!a.id.isNull());
-    QVERIFY(a.id != b.id);
+        QCOMPARE(editortool::fromRawValue(editortool::rawValue(tool)), std::optional(tool));
+    // English case names, stray blanks, half-width katakana.
+    for (const QString &text : {u"mosaic"_s, u"モザイク "_s, u"ﾓｻﾞｲｸ"_s, QString()})
+        QVERIFY2(!editortool::fromRawValue(text), qPrintable(text));
 }
 
 void EditorModelTest::containsUsesPaddedHalfOpenBox_data()
@@ -123,24 +87,49 @@ void EditorModelTest::containsUsesPaddedHalfOpenBox()
     QCOMPARE(overlay.contains(point, padding), inside);
 }
 
-void EditorModelTest::freshModelHasNothingToUndo()
+void EditorModelTest::undoAndRedo()
 {
-    FakeKeyValueStore store;
-    ImageEditorModel model(smallImage(), store);
-    model.appendOverlay(rectangleAt(1));
-    QVERIFY(!model.canUndo());
-    QVERIFY(!model.canRedo());
+    ModelFixture f;
+    ImageEditorModel &model = f.model;
     QSignalSpy undoSpy(&model, &ImageEditorModel::canUndoChanged);
+    QSignalSpy redoSpy(&model, &ImageEditorModel::canRedoChanged);
+    // Changes record nothing by themselves, and an empty history is left alone.
+    model.appendOverlay(rectangleAt(1));
     model.undoLastAction();
     model.redoLastAction();
     QCOMPARE(starts(model.overlays()), QList<double>{1});
+    QVERIFY(!model.canUndo() && !model.canRedo());
     QCOMPARE(undoSpy.count(), 0);
+
+    model.recordUndoSnapshot();
+    model.appendOverlay(rectangleAt(5));
+    model.setSelectedTool(EditorTool::Mosaic);
+    model.setSelectedColor(Qt::green);
+    model.undoLastAction();
+    QCOMPARE(starts(model.overlays()), QList<double>{1});
+    QVERIFY(!model.canUndo() && model.canRedo());
+    // The styles are not part of the history.
+    QCOMPARE(model.selectedTool(), EditorTool::Mosaic);
+    QCOMPARE(model.selectedColor(), QColor(Qt::green));
+    model.redoLastAction();
+    QCOMPARE(starts(model.overlays()), (QList<double>{1, 5}));
+    QVERIFY(model.canUndo() && !model.canRedo());
+    // Every operation announces both flags.
+    QCOMPARE(undoSpy.count(), 3);
+    QCOMPARE(redoSpy.count(), 3);
+
+    // A new change after an undo forfeits the redo.
+    model.undoLastAction();
+    model.recordUndoSnapshot();
+    QVERIFY(model.redoStack().isEmpty() && !model.canRedo());
+    model.redoLastAction();
+    QCOMPARE(starts(model.overlays()), QList<double>{1});
 }
 
 void EditorModelTest::historyIsBoundedAndTrimmedFromTheFront()
 {
-    FakeKeyValueStore store;
-    ImageEditorModel model(smallImage(), store);
+    ModelFixture f;
+    ImageEditorModel &model = f.model;
     // 101 changes, each recorded first: the snapshot of the empty document falls off the front.
     for (int i = 0; i < 101; ++i) {
         model.recordUndoSnapshot();
@@ -149,154 +138,78 @@ void EditorModelTest::historyIsBoundedAndTrimmedFromTheFront()
     QCOMPARE(model.undoStack().size(), 100);
     QCOMPARE(model.undoStack().first().size(), 1);
 
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 101; ++i)
         model.undoLastAction();
     QCOMPARE(starts(model.overlays()), QList<double>{0});
     QVERIFY(!model.canUndo());
-    model.undoLastAction();
-    QCOMPARE(starts(model.overlays()), QList<double>{0});
     QCOMPARE(model.redoStack().size(), 100);
-}
-
-void EditorModelTest::undoRedoRoundTrip()
-{
-    FakeKeyValueStore store;
-    ImageEditorModel model(smallImage(), store);
-    model.recordUndoSnapshot();
-    model.appendOverlay(rectangleAt(5));
-    model.undoLastAction();
-    QVERIFY(model.overlays().isEmpty());
-    QVERIFY(!model.canUndo());
-    QVERIFY(model.canRedo());
-    model.redoLastAction();
-    QCOMPARE(starts(model.overlays()), QList<double>{5});
-    QVERIFY(model.canUndo());
-    QVERIFY(!model.canRedo());
-}
-
-void EditorModelTest::recordAfterUndoForfeitsRedo()
-{
-    FakeKeyValueStore store;
-    ImageEditorModel model(smallImage(), store);
-    model.recordUndoSnapshot();
-    model.appendOverlay(rectangleAt(5));
-    model.undoLastAction();
-    QVERIFY(model.canRedo());
-    model.recordUndoSnapshot();
-    QVERIFY(!model.canRedo());
-    QVERIFY(model.redoStack().isEmpty());
-    model.redoLastAction();
-    QVERIFY(model.overlays().isEmpty());
-}
-
-void EditorModelTest::flagsAreAnnouncedOnEveryOperation()
-{
-    FakeKeyValueStore store;
-    ImageEditorModel model(smallImage(), store);
-    QSignalSpy undoSpy(&model, &ImageEditorModel::canUndoChanged);
-    QSignalSpy redoSpy(&model, &ImageEditorModel::canRedoChanged);
-    model.recordUndoSnapshot();
-    model.recordUndoSnapshot();
-    QCOMPARE(undoSpy.count(), 2);
-    QCOMPARE(redoSpy.count(), 2);
-    model.undoLastAction();
-    QCOMPARE(undoSpy.count(), 3);
-    QCOMPARE(redoSpy.count(), 3);
-}
-
-void EditorModelTest::undoLeavesStylesAlone()
-{
-    FakeKeyValueStore store;
-    ImageEditorModel model(smallImage(), store);
-    model.recordUndoSnapshot();
-    model.appendOverlay(rectangleAt(1));
-    model.setSelectedTool(EditorTool::Mosaic);
-    model.setSelectedColor(Qt::green);
-    model.setSelectedTextFontSize(42);
-    model.undoLastAction();
-    QVERIFY(model.overlays().isEmpty());
-    QCOMPARE(model.selectedTool(), EditorTool::Mosaic);
-    QCOMPARE(model.selectedColor(), QColor(Qt::green));
-    QCOMPARE(model.selectedTextFontSize(), 42.0);
-}
-
-void EditorModelTest::updateOverlaySetsOnlyWhatIsGiven()
-{
-    FakeKeyValueStore store;
-    ImageEditorModel model(smallImage(), store);
-    const Overlay overlay = rectangleAt(1);
-    model.appendOverlay(overlay);
-    model.updateOverlay(overlay.id, std::nullopt, QPointF(50, 60));
-    QCOMPARE(model.overlays().first().startPoint, QPointF(1, 0));
-    QCOMPARE(model.overlays().first().endPoint, QPointF(50, 60));
-    model.updateOverlay(overlay.id, QPointF(-3, -4), std::nullopt);
-    QCOMPARE(model.overlays().first().startPoint, QPointF(-3, -4));
-    QCOMPARE(model.overlays().first().endPoint, QPointF(50, 60));
 }
 
 void EditorModelTest::moveOverlayShiftsFreehandPoints()
 {
-    FakeKeyValueStore store;
-    ImageEditorModel model(smallImage(), store);
+    ModelFixture f;
     Overlay stroke(EditorTool::Freehand, {1, 1}, {9, 5}, Qt::red, QString(), Qt::cyan);
     stroke.points = {{1, 1}, {4, 7}, {9, 5}};
-    model.appendOverlay(stroke);
-    model.appendOverlay(rectangleAt(100));
-    model.recordUndoSnapshot();
-    model.moveOverlay(stroke.id, QSizeF(10, -2.5));
+    f.model.appendOverlay(stroke);
+    f.model.appendOverlay(rectangleAt(100));
+    f.model.recordUndoSnapshot();
+    f.model.moveOverlay(stroke.id, QSizeF(10, -2.5));
 
-    const Overlay moved = model.overlays().first();
+    const Overlay moved = f.model.overlays().first();
     QCOMPARE(moved.startPoint, QPointF(11, -1.5));
     QCOMPARE(moved.endPoint, QPointF(19, 2.5));
     QCOMPARE(moved.points, (QList<QPointF>{{11, -1.5}, {14, 4.5}, {19, 2.5}}));
     QCOMPARE(moved.rect(), Rect(11, -1.5, 8, 6));
-    QCOMPARE(model.overlays().at(1).startPoint, QPointF(100, 0));
+    QCOMPARE(f.model.overlays().at(1).startPoint, QPointF(100, 0));
     // The snapshot taken before the move is an independent copy.
-    QCOMPARE(model.undoStack().last().first().points, stroke.points);
+    QCOMPARE(f.model.undoStack().last().first().points, stroke.points);
 }
 
-void EditorModelTest::unknownIdsChangeNothing()
+void EditorModelTest::overlaysAreChangedByIdentity()
 {
-    FakeKeyValueStore store;
-    ImageEditorModel model(smallImage(), store);
-    model.appendOverlay(rectangleAt(1));
-    const QList<Overlay> before = model.overlays();
-    QSignalSpy spy(&model, &ImageEditorModel::overlaysChanged);
-    const QUuid stranger = QUuid::createUuid();
-    model.updateOverlay(stranger, QPointF(5, 5), QPointF(6, 6));
-    model.moveOverlay(stranger, QSizeF(5, 5));
-    model.removeOverlay(stranger);
-    QCOMPARE(model.indexOfOverlay(stranger), std::optional<qsizetype>());
-    QCOMPARE(model.overlays(), before);
-    QCOMPARE(spy.count(), 0);
-}
-
-void EditorModelTest::removeOverlayRemovesByIdentity()
-{
-    FakeKeyValueStore store;
-    ImageEditorModel model(smallImage(), store);
+    ModelFixture f;
     const Overlay a = rectangleAt(1);
     const Overlay b = rectangleAt(1);
-    model.setOverlays({a, b, rectangleAt(3)});
-    QCOMPARE(model.indexOfOverlay(b.id), std::optional<qsizetype>(1));
-    model.removeOverlay(a.id);
-    QCOMPARE(model.overlays().size(), 2);
-    QCOMPARE(model.indexOfOverlay(a.id), std::optional<qsizetype>());
-    QCOMPARE(model.indexOfOverlay(b.id), std::optional<qsizetype>(0));
+    f.model.setOverlays({a, b, rectangleAt(3)});
+    QCOMPARE(f.model.indexOfOverlay(b.id), std::optional<qsizetype>(1));
+    // Only the points given are set.
+    f.model.updateOverlay(b.id, std::nullopt, QPointF(50, 60));
+    QCOMPARE(f.model.overlays().at(1).startPoint, QPointF(1, 0));
+    QCOMPARE(f.model.overlays().at(1).endPoint, QPointF(50, 60));
+    f.model.updateOverlay(b.id, QPointF(-3, -4), std::nullopt);
+    QCOMPARE(f.model.overlays().at(1).startPoint, QPointF(-3, -4));
+    QCOMPARE(f.model.overlays().at(1).endPoint, QPointF(50, 60));
+    QCOMPARE(f.model.overlays().first(), a);
+    f.model.removeOverlay(a.id);
+    QCOMPARE(f.model.overlays().size(), 2);
+    QCOMPARE(f.model.indexOfOverlay(a.id), std::optional<qsizetype>());
+    QCOMPARE(f.model.indexOfOverlay(b.id), std::optional<qsizetype>(0));
+
+    // An id that names no overlay changes nothing.
+    const QList<Overlay> before = f.model.overlays();
+    QSignalSpy spy(&f.model, &ImageEditorModel::overlaysChanged);
+    const QUuid stranger = QUuid::createUuid();
+    f.model.updateOverlay(stranger, QPointF(5, 5), QPointF(6, 6));
+    f.model.moveOverlay(stranger, QSizeF(5, 5));
+    f.model.removeOverlay(stranger);
+    QCOMPARE(f.model.indexOfOverlay(stranger), std::optional<qsizetype>());
+    QCOMPARE(f.model.overlays(), before);
+    QCOMPARE(spy.count(), 0);
 }
 
 void EditorModelTest::newOverlaysTakeTheSavedFillColour()
 {
-    FakeKeyValueStore store;
-    ImageEditorModel model(smallImage(), store);
-    store.values.insert(u"VistrelEditorTextFillColor.red"_s, 0.0);
-    store.values.insert(u"VistrelEditorTextFillColor.green"_s, 0.5);
-    store.values.insert(u"VistrelEditorTextFillColor.blue"_s, 1.0);
-    store.values.insert(u"VistrelEditorTextFillColor.alpha"_s, 0.4);
-    const Overlay overlay = model.makeOverlay(EditorTool::Text, {0, 0}, {10, 10}, Qt::red, u"テキスト"_s);
+    ModelFixture f;
+    f.store.values.insert(u"VistrelEditorTextFillColor.red"_s, 0.0);
+    f.store.values.insert(u"VistrelEditorTextFillColor.green"_s, 0.5);
+    f.store.values.insert(u"VistrelEditorTextFillColor.blue"_s, 1.0);
+    f.store.values.insert(u"VistrelEditorTextFillColor.alpha"_s, 0.4);
+    const Overlay overlay = f.model.makeOverlay(EditorTool::Text, {0, 0}, {10, 10}, Qt::red, u"テキスト"_s);
     QCOMPARE(overlay.textFillColor, QColor::fromRgbF(0, 0.5f, 1, 0.4f));
     QCOMPARE(overlay.fontFamily, u"Helvetica"_s);
     QCOMPARE(overlay.fontSize, 20.0);
+    QVERIFY(overlay.points.isEmpty());
+    QVERIFY(overlay.id != f.model.makeOverlay(EditorTool::Text, {0, 0}, {10, 10}, Qt::red, QString()).id);
 }
 
 QTEST_GUILESS_MAIN(EditorModelTest)

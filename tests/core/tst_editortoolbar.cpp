@@ -1,14 +1,19 @@
 #include "helpers/EditorViewFixture.h"
 
 #include "editor/EditorStylePreferences.h"
-#include "editor/EditorToolbarTexts.h"
 #include "editor/SystemColors.h"
+#include "settings/UserDefaults.h"
 
 #include <QTest>
 
 #include <cmath>
+#include <functional>
 
 using namespace Qt::StringLiterals;
+using namespace editorstyle;
+
+using Control = std::function<void(EditorToolbar &toolbar, const Overlay &selected)>;
+Q_DECLARE_METATYPE(Control)
 
 namespace {
 
@@ -16,36 +21,132 @@ const QString strokeKey = u"VistrelEditorStrokeColor"_s;
 const QString fillKey = u"VistrelEditorTextFillColor"_s;
 const QString opacityKey = u"VistrelEditorTextFillOpacity"_s;
 
+void storeColour(FakeKeyValueStore &store, const QString &baseKey, double r, double g, double b, double a)
+{
+    store.values.insert(baseKey + u".red"_s, r);
+    store.values.insert(baseKey + u".green"_s, g);
+    store.values.insert(baseKey + u".blue"_s, b);
+    store.values.insert(baseKey + u".alpha"_s, a);
+}
+
 } // namespace
 
+// The styles of new and selected overlays: how they are kept in the preferences, and how the toolbar
+// applies them.
 class EditorToolbarTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void palettesInOrder();
+    void opacityIsRoundedIntoRange_data();
+    void opacityIsRoundedIntoRange();
+    void savedFill_data();
+    void savedFill();
+    void partlyStoredColourFallsBack_data();
+    void partlyStoredColourFallsBack();
+    void colourIsStoredAsFourComponentsAndReachesDisk();
     void sameColor_data();
     void sameColor();
     void styleChangesOnTheSelectedOverlay_data();
     void styleChangesOnTheSelectedOverlay();
     void styleChangesWithoutSelectionOnlySetNewStyles();
-    void opacityIsNormalised_data();
-    void opacityIsNormalised();
-    void fillSwatchesCarryTheOpacity();
+    void opacityReachesTheSelectionTheSliderAndTheSwatches();
     void fontBindingsFollowTheSelection();
     void textIsOneUndoStepPerChange();
-    void labelsAndStates();
+    void actionStatesFollowTheDocument();
 };
 
-void EditorToolbarTest::palettesInOrder()
+void EditorToolbarTest::opacityIsRoundedIntoRange_data()
 {
-    using namespace systemcolors;
-    QCOMPARE(EditorToolbar::presetColors(),
-             (QList<QColor>{systemRed(), systemOrange(), systemYellow(), systemGreen(), systemTeal(), systemBlue(),
-                            systemIndigo(), systemPurple(), systemPink(), black()}));
-    QCOMPARE(EditorToolbar::presetTextFillColors(),
-             (QList<QColor>{systemCyan(), systemTeal(), systemBlue(), systemGreen(), systemYellow(), systemOrange(),
-                            systemPink(), systemPurple(), white(), black()}));
+    QTest::addColumn<QVariant>("input"); // given to the normalisation, and read back from the store
+    QTest::addColumn<double>("expected");
+    QTest::newRow("0.25 rounds half up") << QVariant(0.25) << 0.3;
+    QTest::newRow("0.55 rounds half up") << QVariant(0.55) << 0.6;
+    QTest::newRow("0.35 rounds half up") << QVariant(0.35) << 0.4;
+    QTest::newRow("0.14 rounds down") << QVariant(0.14) << 0.1;
+    QTest::newRow("0.04 is raised to the minimum") << QVariant(0.04) << 0.1;
+    QTest::newRow("0 is raised to the minimum") << QVariant(0.0) << 0.1;
+    QTest::newRow("negative is raised to the minimum") << QVariant(-3.0) << 0.1;
+    QTest::newRow("1.7 is capped") << QVariant(1.7) << 1.0;
+    QTest::newRow("0.96 rounds to 1") << QVariant(0.96) << 1.0;
+    QTest::newRow("not a number is opaque") << QVariant(qQNaN()) << 1.0;
+    QTest::newRow("unreadable stored text counts as 0") << QVariant(u"half"_s) << 0.1;
+}
+
+void EditorToolbarTest::opacityIsRoundedIntoRange()
+{
+    QFETCH(QVariant, input);
+    QFETCH(double, expected);
+    if (input.typeId() == QMetaType::Double)
+        QCOMPARE(normalizeEditorTextFillOpacity(input.toDouble()), expected);
+    FakeKeyValueStore store;
+    store.values.insert(opacityKey, input);
+    QCOMPARE(savedEditorTextFillOpacity(UserDefaults(store)), expected);
+}
+
+void EditorToolbarTest::savedFill_data()
+{
+    QTest::addColumn<QVariant>("opacity"); // invalid: none stored
+    QTest::addColumn<QColor>("colour"); // invalid: none stored
+    QTest::addColumn<QColor>("expected");
+    QColor halfCyan = systemcolors::systemCyan();
+    halfCyan.setAlphaF(0.5f);
+    QTest::newRow("nothing stored: opaque cyan") << QVariant() << QColor() << systemcolors::systemCyan();
+    QTest::newRow("the opacity tints the default") << QVariant(0.45) << QColor() << halfCyan;
+    QTest::newRow("a stored colour wins over the opacity") << QVariant(0.3) << QColor::fromRgbF(1, 1, 0, 0.8f)
+                                                           << QColor::fromRgbF(1, 1, 0, 0.8f);
+}
+
+void EditorToolbarTest::savedFill()
+{
+    QFETCH(QVariant, opacity);
+    QFETCH(QColor, colour);
+    QFETCH(QColor, expected);
+    FakeKeyValueStore store;
+    if (opacity.isValid())
+        store.values.insert(opacityKey, opacity);
+    if (colour.isValid())
+        storeColour(store, fillKey, colour.redF(), colour.greenF(), colour.blueF(), colour.alphaF());
+    QCOMPARE(savedEditorTextFillColor(UserDefaults(store)), expected);
+    QCOMPARE(editorTextFillColor(UserDefaults(store)), expected);
+}
+
+void EditorToolbarTest::partlyStoredColourFallsBack_data()
+{
+    QTest::addColumn<QString>("missing");
+    QTest::newRow("no red") << u".red"_s;
+    QTest::newRow("no blue") << u".blue"_s;
+    QTest::newRow("no alpha") << u".alpha"_s;
+}
+
+void EditorToolbarTest::partlyStoredColourFallsBack()
+{
+    QFETCH(QString, missing);
+    FakeKeyValueStore store;
+    const UserDefaults defaults(store);
+    QCOMPARE(savedEditorStrokeColor(defaults), systemcolors::systemRed());
+    storeColour(store, strokeKey, 0, 0, 0, 0);
+    QCOMPARE(savedEditorStrokeColor(defaults), QColor::fromRgbF(0, 0, 0, 0));
+    store.values.remove(strokeKey + missing);
+    QCOMPARE(savedEditorStrokeColor(defaults), systemcolors::systemRed());
+}
+
+void EditorToolbarTest::colourIsStoredAsFourComponentsAndReachesDisk()
+{
+    FakeKeyValueStore store;
+    UserDefaults defaults(store);
+    saveEditorColor(defaults, QColor::fromHsv(0, 0, 128), strokeKey);
+    QCOMPARE(store.syncCount, 1);
+    const double red = store.synced.value(strokeKey + u".red"_s).toDouble();
+    QVERIFY(qAbs(red - 128 / 255.0) < 1e-6);
+    QCOMPARE(store.synced.value(strokeKey + u".green"_s).toDouble(), red);
+    QCOMPARE(store.synced.value(strokeKey + u".blue"_s).toDouble(), red);
+    QCOMPARE(store.synced.value(strokeKey + u".alpha"_s).toDouble(), 1.0);
+    QCOMPARE(savedEditorStrokeColor(defaults), QColor(128, 128, 128));
+    // A colour without an RGB form is not saved.
+    saveEditorColor(defaults, QColor(), strokeKey);
+    QCOMPARE(savedEditorStrokeColor(defaults), QColor(128, 128, 128));
+    QCOMPARE(store.syncCount, 1);
 }
 
 void EditorToolbarTest::sameColor_data()
@@ -71,57 +172,32 @@ void EditorToolbarTest::sameColor()
 
 void EditorToolbarTest::styleChangesOnTheSelectedOverlay_data()
 {
-    QTest::addColumn<QString>("control");
+    QTest::addColumn<Control>("control");
     QTest::addColumn<bool>("changes");
-    QTest::newRow("another colour") << u"color"_s << true;
-    QTest::newRow("the colour in use") << u"sameColor"_s << false;
-    QTest::newRow("another fill") << u"fill"_s << true;
-    QTest::newRow("the fill in use") << u"sameFill"_s << false;
-    QTest::newRow("another opacity") << u"opacity"_s << true;
-    QTest::newRow("the opacity in use") << u"sameOpacity"_s << false;
-    QTest::newRow("another font") << u"font"_s << true;
-    QTest::newRow("the font in use") << u"sameFont"_s << false;
-    QTest::newRow("another size") << u"size"_s << true;
-    QTest::newRow("a size clamped to the one in use") << u"sameSize"_s << false;
+    QTest::newRow("another colour") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedColor(systemcolors::systemBlue()); }) << true;
+    QTest::newRow("the colour in use") << Control([](EditorToolbar &t, const Overlay &o) { t.setSelectedColor(o.color); }) << false;
+    QTest::newRow("another fill") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedTextFillColor(systemcolors::systemYellow()); }) << true;
+    QTest::newRow("the fill in use") << Control([](EditorToolbar &t, const Overlay &o) { t.setSelectedTextFillColor(o.textFillColor); }) << false;
+    QTest::newRow("another opacity") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedTextFillOpacity(0.4); }) << true;
+    QTest::newRow("the opacity in use") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedTextFillOpacity(1.04); }) << false;
+    QTest::newRow("another font") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedFontFamily(u"Serif"_s); }) << true;
+    QTest::newRow("the font in use") << Control([](EditorToolbar &t, const Overlay &o) { t.setSelectedFontFamily(o.fontFamily); }) << false;
+    QTest::newRow("another size") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedFontSize(24); }) << true;
+    QTest::newRow("a size clamped to the one in use") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedFontSize(400); }) << false;
 }
 
 void EditorToolbarTest::styleChangesOnTheSelectedOverlay()
 {
-    QFETCH(QString, control);
+    QFETCH(Control, control);
     QFETCH(bool, changes);
     EditorViewFixture f;
     f.model->setSelectedTextFontSize(160);
     const Overlay box = f.add(EditorTool::Text, {10, 10}, {10, 10});
-    EditorToolbar &toolbar = f.view.toolbar();
-    const qsizetype stepsBefore = f.undoSteps();
-
-    if (control == u"color")
-        toolbar.setSelectedColor(systemcolors::systemBlue());
-    else if (control == u"sameColor")
-        toolbar.setSelectedColor(box.color);
-    else if (control == u"fill")
-        toolbar.setSelectedTextFillColor(systemcolors::systemYellow());
-    else if (control == u"sameFill")
-        toolbar.setSelectedTextFillColor(box.textFillColor);
-    else if (control == u"opacity")
-        toolbar.setSelectedTextFillOpacity(0.4);
-    else if (control == u"sameOpacity")
-        toolbar.setSelectedTextFillOpacity(1.04);
-    else if (control == u"font")
-        toolbar.setSelectedFontFamily(u"Serif"_s);
-    else if (control == u"sameFont")
-        toolbar.setSelectedFontFamily(box.fontFamily);
-    else if (control == u"size")
-        toolbar.setSelectedFontSize(24);
-    else if (control == u"sameSize")
-        toolbar.setSelectedFontSize(400);
-
-    QCOMPARE(f.undoSteps(), stepsBefore + (changes ? 1 : 0));
+    control(f.view.toolbar(), box);
+    QCOMPARE(f.undoSteps(), changes ? 2 : 1);
     QCOMPARE(f.model->overlays().first() != box, changes);
-    if (changes) {
-        f.model->undoLastAction();
-        QCOMPARE(f.model->overlays().first(), box);
-    }
+    f.model->undoLastAction();
+    QCOMPARE(f.model->overlays(), changes ? QList{box} : QList<Overlay>());
 }
 
 void EditorToolbarTest::styleChangesWithoutSelectionOnlySetNewStyles()
@@ -143,52 +219,34 @@ void EditorToolbarTest::styleChangesWithoutSelectionOnlySetNewStyles()
     QCOMPARE(f.model->selectedTextFontFamily(), u"Mono"_s);
     QCOMPARE(f.model->selectedTextFontSize(), 8.0);
     // Remembered for the next editor.
-    QVERIFY(std::abs(f.store.values.value(strokeKey + u".red"_s).toDouble() - 0.2) < 1e-6);
-    QVERIFY(std::abs(f.store.values.value(fillKey + u".alpha"_s).toDouble() - 0.5) < 1e-4);
-    QCOMPARE(f.store.values.value(opacityKey).toDouble(), 0.5);
     ImageEditorModel next(EditorViewFixture::picture(), f.store);
     QVERIFY(EditorToolbar::sameColor(next.selectedColor(), QColor::fromRgbF(0.2f, 0.2f, 0.2f)));
+    QVERIFY(EditorToolbar::sameColor(next.selectedTextFillColor(), QColor::fromRgbF(1, 1, 1, 0.5f)));
 }
 
-void EditorToolbarTest::opacityIsNormalised_data()
+void EditorToolbarTest::opacityReachesTheSelectionTheSliderAndTheSwatches()
 {
-    QTest::addColumn<double>("given");
-    QTest::addColumn<double>("stored");
-    QTest::newRow("below the range") << 0.05 << 0.1;
-    QTest::newRow("half rounds up") << 0.25 << 0.3;
-    QTest::newRow("rounded down") << 0.14 << 0.1;
-    QTest::newRow("above the range") << 1.7 << 1.0;
-}
-
-void EditorToolbarTest::opacityIsNormalised()
-{
-    QFETCH(double, given);
-    QFETCH(double, stored);
     EditorViewFixture f;
     const Overlay box = f.add(EditorTool::Text, {10, 10}, {10, 10});
-    f.view.toolbar().setSelectedTextFillOpacity(given);
-    QCOMPARE(f.store.values.value(opacityKey).toDouble(), stored);
-    QCOMPARE(f.view.toolbar().opacitySlider().value, stored);
-    // Colours keep 16 bits a component.
-    QVERIFY(std::abs(f.model->selectedTextFillColor().alphaF() - stored) < 1e-4);
-    QVERIFY(std::abs(f.model->overlays().first().textFillColor.alphaF() - stored) < 1e-4);
-    QCOMPARE(f.model->overlays().first().textFillColor.rgb(), box.textFillColor.rgb());
-}
-
-void EditorToolbarTest::fillSwatchesCarryTheOpacity()
-{
-    EditorViewFixture f;
     EditorToolbar &toolbar = f.view.toolbar();
-    toolbar.setSelectedTextFillOpacity(0.6);
+    toolbar.setSelectedTextFillOpacity(0.25); // rounded to 0.3
+    // Both the opacity and the fill colour with it reach the disk.
+    QCOMPARE(f.store.synced.value(opacityKey).toDouble(), 0.3);
+    QVERIFY(std::abs(f.store.synced.value(fillKey + u".alpha"_s).toDouble() - 0.3) < 1e-4);
+    QCOMPARE(toolbar.opacitySlider().value, 0.3);
+    // Colours keep 16 bits a component.
+    QVERIFY(std::abs(f.model->selectedTextFillColor().alphaF() - 0.3) < 1e-4);
+    QVERIFY(std::abs(f.model->overlays().first().textFillColor.alphaF() - 0.3) < 1e-4);
+    QCOMPARE(f.model->overlays().first().textFillColor.rgb(), box.textFillColor.rgb());
+
     toolbar.setSelectedTextFillColor(systemcolors::systemGreen());
     QList<bool> chosen;
     for (const EditorToolbar::Swatch &swatch : toolbar.textFillSwatches()) {
         chosen.append(swatch.isSelected);
-        QVERIFY(std::abs(swatch.color.alphaF() - 0.6) < 1e-4);
+        QVERIFY(std::abs(swatch.color.alphaF() - 0.3) < 1e-4);
     }
     QCOMPARE(chosen.indexOf(true), 3);
     QCOMPARE(chosen.count(true), 1);
-    QVERIFY(std::abs(f.store.values.value(fillKey + u".alpha"_s).toDouble() - 0.6) < 1e-4);
 }
 
 void EditorToolbarTest::fontBindingsFollowTheSelection()
@@ -205,10 +263,6 @@ void EditorToolbarTest::fontBindingsFollowTheSelection()
     f.interaction().setSelectedOverlayID(std::nullopt);
     QCOMPARE(toolbar.selectedFontSize(), 12.0);
     QCOMPARE(toolbar.selectedFontFamily(), u"Mono"_s);
-    const EditorToolbar::Range stepper = toolbar.fontSizeStepper();
-    QCOMPARE(stepper.minimum, 8.0);
-    QCOMPARE(stepper.maximum, 160.0);
-    QCOMPARE(stepper.step, 1.0);
     QCOMPARE(f.model->overlays().first(), box);
 }
 
@@ -230,40 +284,10 @@ void EditorToolbarTest::textIsOneUndoStepPerChange()
     QCOMPARE(f.undoSteps(), 2);
 }
 
-void EditorToolbarTest::labelsAndStates()
+void EditorToolbarTest::actionStatesFollowTheDocument()
 {
     EditorViewFixture f;
     EditorToolbar &toolbar = f.view.toolbar();
-    QStringList titles;
-    for (const EditorToolbar::ToolButton &button : toolbar.toolButtons())
-        titles.append(button.title + (button.isSelected ? u"*"_s : QString()));
-    QCOMPARE(titles, (QStringList{u"四角枠*"_s, u"丸枠"_s, u"矢印"_s, u"フリーハンド"_s, u"モザイク"_s, u"文字入力"_s}));
-    toolbar.selectTool(EditorTool::Mosaic);
-    QCOMPARE(f.model->selectedTool(), EditorTool::Mosaic);
-
-    namespace texts = editortoolbartexts;
-    QCOMPARE((QStringList{texts::color, texts::fill, texts::opacity, texts::font, texts::size}),
-             (QStringList{u"色"_s, u"塗り"_s, u"透過"_s, u"フォント"_s, u"サイズ"_s}));
-    QCOMPARE(toolbar.modeToggle().drawTitle, u"描画モード"_s);
-    QCOMPARE(toolbar.modeToggle().editTitle, u"編集モード"_s);
-    QVERIFY(toolbar.modeToggle().isDrawMode);
-    toolbar.setDrawMode(false);
-    QVERIFY(!f.interaction().isDrawMode());
-    const QList<EditorToolbar::BottomButton> bottom = EditorToolbar::bottomButtons();
-    QCOMPARE(bottom.size(), 2);
-    QCOMPARE(bottom.at(0).title, u"キャンセル"_s);
-    QVERIFY(!bottom.at(0).isDefault);
-    QCOMPARE(bottom.at(1).title, u"決定"_s);
-    QVERIFY(bottom.at(1).isDefault);
-    QCOMPARE(toolbar.undoButton().helpText, u"元に戻す (⌘Z)"_s);
-    QCOMPARE(toolbar.redoButton().helpText, u"やり直し (⌘⇧Z)"_s);
-    QCOMPARE(toolbar.deleteButton().helpText, u"選択したオーバーレイを削除"_s);
-    QCOMPARE(toolbar.undoButton().shortcuts, QList<QKeySequence>{QKeySequence(Qt::CTRL | Qt::Key_Z)});
-    QCOMPARE(toolbar.redoButton().shortcuts, QList<QKeySequence>{QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
-    QCOMPARE(toolbar.deleteButton().shortcuts,
-             (QList<QKeySequence>{QKeySequence(Qt::Key_Delete), QKeySequence(Qt::CTRL | Qt::Key_Delete),
-                                  QKeySequence(Qt::CTRL | Qt::Key_Backspace)}));
-
     auto states = [&toolbar] {
         return QList<bool>{toolbar.undoButton().isEnabled, toolbar.redoButton().isEnabled,
                            toolbar.deleteButton().isEnabled};

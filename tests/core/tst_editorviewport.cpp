@@ -40,9 +40,6 @@ private slots:
     void canvasGeometry();
     void conversionsAreInverses_data();
     void conversionsAreInverses();
-    void noZoomMapsEverythingToTheOrigin();
-    void frozenCanvasKeepsTheMappingDuringADrag();
-    void overlayRectInViewIsTopLeftOrigin();
     void resetButtonState_data();
     void resetButtonState();
     void zoomControls();
@@ -78,6 +75,8 @@ void EditorViewportTest::canvasGeometry()
     QCOMPARE(f.viewport.imageFrameInCanvas(), imageFrame);
     QCOMPARE(f.viewport.fittedImageFrame(QSizeF(123, 456)), imageFrame);
     QCOMPARE(f.viewport.imageCenterAnchor(), imageFrame.center());
+    if (zoom == 0) // no scale to divide by: every point maps to the origin
+        QCOMPARE(f.viewport.convertToImagePoint(QPointF(700, 300)), QPointF(0, 0));
 }
 
 void EditorViewportTest::conversionsAreInverses_data()
@@ -104,35 +103,6 @@ void EditorViewportTest::conversionsAreInverses()
     QCOMPARE(f.viewport.convertToViewPoint(imagePoint), viewPoint);
     QCOMPARE(f.viewport.convertToViewPoint(f.viewport.convertToImagePoint(viewPoint)), viewPoint);
     QCOMPARE(f.viewport.imageToViewTransform().map(imagePoint), viewPoint);
-}
-
-void EditorViewportTest::noZoomMapsEverythingToTheOrigin()
-{
-    ViewportFixture f(QSize(100, 50));
-    for (double zoom : {0.0, -1.0}) {
-        f.viewport.setZoomScale(zoom);
-        QCOMPARE(f.viewport.convertToImagePoint(QPointF(700, 300)), QPointF(0, 0));
-    }
-}
-
-void EditorViewportTest::frozenCanvasKeepsTheMappingDuringADrag()
-{
-    ViewportFixture f(QSize(100, 50));
-    f.viewport.setInteractionCanvasImageRect(f.viewport.baseCanvasImageRect());
-    f.model.setImage(picture(400, 300));
-    f.viewport.setZoomScale(2);
-    // The origin is the frozen canvas's top-left; the scale is the current one.
-    QCOMPARE(f.viewport.convertToImagePoint(QPointF(1000, 1000)), QPointF(0, 50));
-    f.viewport.setInteractionCanvasImageRect(std::nullopt);
-    QCOMPARE(f.viewport.convertToImagePoint(QPointF(1000, 1000)), QPointF(0, 300));
-}
-
-void EditorViewportTest::overlayRectInViewIsTopLeftOrigin()
-{
-    ViewportFixture f(QSize(100, 50));
-    f.viewport.setZoomScale(2);
-    const Overlay overlay(EditorTool::Rectangle, {60, 40}, {10, 20}, Qt::red, QString(), Qt::cyan);
-    QCOMPARE(f.viewport.overlayRectInView(overlay), QRectF(1020, 1020, 100, 40));
 }
 
 void EditorViewportTest::resetButtonState_data()
@@ -171,9 +141,6 @@ void EditorViewportTest::zoomControls()
     }
     QCOMPARE(titles, (QStringList{u"50%"_s, u"100%"_s, u"150%"_s, u"200%"_s}));
     QCOMPARE(zooms, (QList<double>{0.5, 1.0, 1.5, 2.0}));
-    QCOMPARE(controls.sliderMinimum, 0.5);
-    QCOMPARE(controls.sliderMaximum, 3.0);
-    QCOMPARE(controls.sliderStep, 0.1);
 }
 
 void EditorViewportTest::sliderSnapsToItsSteps_data()
@@ -223,8 +190,7 @@ void EditorViewportTest::fifthCallEndsCentering()
     int scrolls = 0;
     for (int call = 0; call < 5; ++call)
         f.viewport.performInitialCentering([&scrolls](QPointF) { ++scrolls; });
-    QVERIFY(f.viewport.hasCenteredInitialViewport());
-    QCOMPARE(f.viewport.initialCenteringAttempt(), 4);
+    QVERIFY(f.viewport.hasCenteredInitialViewport()); // before any scroll has happened
     f.scheduler.advance(1);
     QCOMPARE(scrolls, 4);
 }

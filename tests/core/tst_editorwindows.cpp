@@ -5,21 +5,23 @@
 #include "platform/NullOpenPanel.h"
 
 #include <QRegularExpression>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
 Q_DECLARE_METATYPE(std::optional<QSizeF>)
-Q_DECLARE_METATYPE(windowrules::KeyEquivalentEvent)
+using DropItem = EditorDropTargetView::DropItem;
+Q_DECLARE_METATYPE(QList<EditorDropTargetView::DropItem>)
 
 namespace {
 
 const QUrl shotA = QUrl::fromLocalFile(u"/captures/A.png"_s);
 const QUrl shotB = QUrl::fromLocalFile(u"/captures/B.png"_s);
 
-windowrules::KeyEquivalentEvent key(const QString &characters, bool command, bool isKeyDown = true)
+DropItem file(const QString &path)
 {
-    return {isKeyDown, command, characters};
+    return {QUrl::fromLocalFile(path)};
 }
 
 } // namespace
@@ -30,21 +32,18 @@ class EditorWindowsTest : public QObject
 
 private slots:
     void notificationCarriesTheEditInvitation();
-    void scheduledNotificationIsLogged();
     void failedNotificationOpensTheEditorDirectly();
     void directOpening_data();
     void directOpening();
     void clickedNotificationShowsThePreparedDocument();
-    void launcherShowsTheDropTarget();
     void contentSize_data();
     void contentSize();
-    void quitShortcutClosesTheWindowItIsPressedIn_data();
-    void quitShortcutClosesTheWindowItIsPressedIn();
     void detachedWindowsAreForgottenWhenTheyClose();
-    void closingADetachedWindowStopsObservingIt();
-    void primaryWindowIsMadeAgainAfterClosing();
-    void cancelClosesTheWindow();
+    void primaryWindowClosesAndIsMadeAgain();
     void withoutWindowsTheEditorSaysWhatItCannotShow();
+    void dropTargetOpensTheFirstFile_data();
+    void dropTargetOpensTheFirstFile();
+    void dropTargetIsTintedWhileAFileHovers();
 };
 
 void EditorWindowsTest::notificationCarriesTheEditInvitation()
@@ -64,14 +63,7 @@ void EditorWindowsTest::notificationCarriesTheEditInvitation()
     QVERIFY2(uuid.match(request.identifier).hasMatch(), qPrintable(request.identifier));
     QVERIFY(request.identifier != f.notifier.requests.last().identifier);
     // The document waits for the click; nothing is shown yet.
-    QVERIFY(f.windows.windows.isEmpty());
     QCOMPARE(f.manager.sourceFileURL(), std::optional(shotB));
-}
-
-void EditorWindowsTest::scheduledNotificationIsLogged()
-{
-    EditorManagerFixture f;
-    f.handOff(EditorManagerFixture::picture(), shotA);
     f.notifier.pendingAdds.first()(std::nullopt);
     QVERIFY(f.systemLog.messages().isEmpty()); // posted back to the main thread first
     f.scheduler.runUntilIdle();
@@ -86,11 +78,9 @@ void EditorWindowsTest::failedNotificationOpensTheEditorDirectly()
     f.handOff(image, shotA);
     f.notifier.pendingAdds.first()(u"Notifications are not allowed"_s);
     f.scheduler.runUntilIdle();
-
     QCOMPARE(f.systemLog.messages(),
              QStringList{u"Vistrel: 通知スケジュール失敗: Notifications are not allowed"_s});
-    QVERIFY(f.primary());
-    QVERIFY(f.primary()->isVisible);
+    QVERIFY(f.primary() && f.primary()->isVisible);
     const std::shared_ptr<ImageEditorView> view = f.primary()->contentAs<ImageEditorView>();
     QVERIFY(view);
     QCOMPARE(view->model().image(), image);
@@ -113,8 +103,7 @@ void EditorWindowsTest::directOpening()
     QFETCH(bool, primaryOpen);
     QFETCH(bool, expectDetached);
     EditorManagerFixture f;
-    f.settings.setOpenEditorViaNotification(false);
-    f.settings.setKeepExistingEditorWindowOnAutoOpen(keepExisting);
+    f.openWithoutNotification(keepExisting);
     if (primaryOpen)
         f.handOff(EditorManagerFixture::picture(10, 10, Qt::red), shotA);
     const std::shared_ptr<ImageEditorModel> firstModel = f.manager.model();
@@ -165,18 +154,6 @@ void EditorWindowsTest::clickedNotificationShowsThePreparedDocument()
     QVERIFY(window->contentAs<ImageEditorView>());
 }
 
-void EditorWindowsTest::launcherShowsTheDropTarget()
-{
-    EditorManagerFixture f;
-    f.handOff(EditorManagerFixture::picture(), shotA);
-    f.manager.openEditorLauncher();
-
-    QVERIFY(!f.manager.model());
-    QVERIFY(!f.manager.sourceFileURL());
-    QVERIFY(f.primary()->contentAs<EditorDropTargetView>());
-    QCOMPARE(f.primary()->contentSize, QSizeF(1000, 1000)); // no main screen
-}
-
 void EditorWindowsTest::contentSize_data()
 {
     QTest::addColumn<std::optional<QSizeF>>("visibleSize");
@@ -206,46 +183,10 @@ void EditorWindowsTest::contentSize()
     QCOMPARE(f.manager.editorContentSize(imageSize), expected);
 }
 
-void EditorWindowsTest::quitShortcutClosesTheWindowItIsPressedIn_data()
-{
-    QTest::addColumn<windowrules::KeyEquivalentEvent>("event");
-    QTest::addColumn<bool>("closes");
-    QTest::newRow("Command-Q") << key(u"q"_s, true) << true;
-    QTest::newRow("Command-Shift-Q") << key(u"Q"_s, true) << true;
-    QTest::newRow("Q alone") << key(u"q"_s, false) << false;
-    QTest::newRow("Command-W") << key(u"w"_s, true) << false;
-    QTest::newRow("key release") << key(u"q"_s, true, false) << false;
-}
-
-void EditorWindowsTest::quitShortcutClosesTheWindowItIsPressedIn()
-{
-    QFETCH(windowrules::KeyEquivalentEvent, event);
-    QFETCH(bool, closes);
-    EditorManagerFixture f;
-    f.settings.setOpenEditorViaNotification(false);
-    f.settings.setKeepExistingEditorWindowOnAutoOpen(true);
-    f.handOff(EditorManagerFixture::picture(), shotA);
-    f.handOff(EditorManagerFixture::picture(), shotB);
-    FakeEditorWindow *primary = f.primary();
-    FakeEditorWindow *extra = f.lastWindow();
-
-    QCOMPARE(extra->performKeyEquivalent(event), closes);
-    f.scheduler.runUntilIdle();
-    QCOMPARE(f.manager.detachedEditorWindows().isEmpty(), closes);
-    QCOMPARE(f.windows.isAlive(extra), !closes);
-    QVERIFY(primary->isVisible);
-
-    QCOMPARE(primary->performKeyEquivalent(event), closes);
-    QCOMPARE(f.manager.editorWindow() == nullptr, closes);
-    QCOMPARE(primary->isVisible, !closes);
-    QCOMPARE(f.application.terminateCount, 0);
-}
-
 void EditorWindowsTest::detachedWindowsAreForgottenWhenTheyClose()
 {
     EditorManagerFixture f;
-    f.settings.setOpenEditorViaNotification(false);
-    f.settings.setKeepExistingEditorWindowOnAutoOpen(true);
+    f.openWithoutNotification(true);
     f.handOff(EditorManagerFixture::picture(), shotA);
     f.handOff(EditorManagerFixture::picture(), shotB);
     f.handOff(EditorManagerFixture::picture(), shotB);
@@ -258,48 +199,36 @@ void EditorWindowsTest::detachedWindowsAreForgottenWhenTheyClose()
     QVERIFY(f.windows.isAlive(first)); // not from inside its own close
     f.scheduler.runUntilIdle();
     QVERIFY(!f.windows.isAlive(first));
-    QVERIFY(f.windows.isAlive(second));
-}
 
-void EditorWindowsTest::closingADetachedWindowStopsObservingIt()
-{
-    EditorManagerFixture f;
-    f.manager.openDetachedEditorWindow(std::make_shared<ImageEditorModel>(EditorManagerFixture::picture(), f.store),
-                                       shotA);
-    FakeEditorWindow *window = f.lastWindow();
-    f.manager.closeDetachedEditorWindow(window);
-    QCOMPARE(window->closeCount, 1);
+    f.manager.closeDetachedEditorWindow(second);
+    QCOMPARE(second->closeCount, 1);
     QVERIFY(f.manager.detachedEditorWindows().isEmpty());
     f.scheduler.runUntilIdle();
-    QVERIFY(!f.windows.isAlive(window));
+    QVERIFY(!f.windows.isAlive(second));
 }
 
-void EditorWindowsTest::primaryWindowIsMadeAgainAfterClosing()
-{
-    EditorManagerFixture f;
-    f.manager.openEditorLauncher();
-    FakeEditorWindow *first = f.primary();
-    f.manager.closePrimaryEditor();
-    QVERIFY(!f.manager.editorWindow());
-    f.scheduler.runUntilIdle();
-    QVERIFY(!f.windows.isAlive(first));
-
-    f.manager.openEditorLauncher();
-    QCOMPARE(f.windows.windows.size(), qsizetype(2));
-    QVERIFY(f.primary()->isVisible);
-}
-
-void EditorWindowsTest::cancelClosesTheWindow()
+void EditorWindowsTest::primaryWindowClosesAndIsMadeAgain()
 {
     EditorManagerFixture f;
     f.handOff(EditorManagerFixture::picture(), shotA);
     f.manager.openEditor(false);
-    f.primary()->contentAs<ImageEditorView>()->cancel();
+    FakeEditorWindow *first = f.primary();
+    first->contentAs<ImageEditorView>()->cancel();
     QVERIFY(!f.manager.editorWindow());
-    QCOMPARE(f.windows.windows.first()->closeCount, 1);
+    QCOMPARE(first->closeCount, 1);
+    f.scheduler.runUntilIdle();
+    QVERIFY(!f.windows.isAlive(first));
 
+    // The launcher forgets the prepared document and offers the drop target, which cancels too.
+    f.handOff(EditorManagerFixture::picture(), shotA);
     f.manager.openEditorLauncher();
-    f.primary()->contentAs<EditorDropTargetView>()->trigger(EditorDropTargetView::ButtonRole::Cancel);
+    QVERIFY(!f.manager.model());
+    QVERIFY(!f.manager.sourceFileURL());
+    QCOMPARE(f.windows.windows.size(), qsizetype(2));
+    QVERIFY(f.primary()->isVisible);
+    const std::shared_ptr<EditorDropTargetView> dropTarget = f.primary()->contentAs<EditorDropTargetView>();
+    QVERIFY(dropTarget);
+    dropTarget->trigger(EditorDropTargetView::ButtonRole::Cancel);
     QVERIFY(!f.manager.editorWindow());
 }
 
@@ -322,6 +251,59 @@ void EditorWindowsTest::withoutWindowsTheEditorSaysWhatItCannotShow()
              QStringList{u"Vistrel: クリップボードに画像がありません 画像をコピーしてから、もう一度貼り付けてください。"_s});
     manager.closePrimaryEditor();
     QVERIFY(!manager.editorWindow());
+}
+
+void EditorWindowsTest::dropTargetOpensTheFirstFile_data()
+{
+    QTest::addColumn<QList<DropItem>>("items");
+    QTest::addColumn<bool>("accepted");
+    QTest::addColumn<QString>("opened"); // empty: nothing
+    QTest::newRow("one file") << QList{file(u"/shots/a.png"_s)} << true << u"/shots/a.png"_s;
+    QTest::newRow("several files open only the first")
+        << QList{file(u"/shots/a.png"_s), file(u"/shots/b.png"_s)} << true << u"/shots/a.png"_s;
+    QTest::newRow("a non-image file is left to the opening") << QList{file(u"/notes.txt"_s)} << true << u"/notes.txt"_s;
+    QTest::newRow("text without a URL") << QList{DropItem{}} << false << QString();
+    QTest::newRow("a web address is no file")
+        << QList{DropItem{QUrl(u"https://example.com/a.png"_s)}} << false << QString();
+    QTest::newRow("a file behind a first item without one")
+        << QList{DropItem{}, file(u"/shots/a.png"_s)} << false << QString();
+    QTest::newRow("nothing") << QList<DropItem>() << false << QString();
+}
+
+void EditorWindowsTest::dropTargetOpensTheFirstFile()
+{
+    QFETCH(QList<DropItem>, items);
+    QFETCH(bool, accepted);
+    QFETCH(QString, opened);
+    FakeScheduler scheduler;
+    EditorDropTargetView view(scheduler);
+    QStringList openedPaths;
+    view.onOpenURL = [&](const QUrl &url) { openedPaths.append(url.toLocalFile()); };
+
+    QCOMPARE(view.performDrop(items), accepted);
+    QVERIFY(openedPaths.isEmpty()); // on the main thread, after the drop
+    scheduler.runUntilIdle();
+    QCOMPARE(openedPaths, opened.isEmpty() ? QStringList() : QStringList{opened});
+    QVERIFY(!view.isTargeted());
+}
+
+void EditorWindowsTest::dropTargetIsTintedWhileAFileHovers()
+{
+    FakeScheduler scheduler;
+    EditorDropTargetView view(scheduler);
+    QSignalSpy changes(&view, &EditorDropTargetView::isTargetedChanged);
+    using Role = EditorDropTargetView::FillRole;
+    QCOMPARE(view.panelFill().role, Role::Secondary);
+    QCOMPARE(view.panelFill().opacity, 0.08);
+
+    QVERIFY(!view.dragEntered({DropItem{}}));
+    QVERIFY(!view.isTargeted());
+    QVERIFY(view.dragEntered({DropItem{}, file(u"/a.png"_s)}));
+    QCOMPARE(view.panelFill().role, Role::Accent);
+    QCOMPARE(view.panelFill().opacity, 0.18);
+    view.dragExited();
+    QCOMPARE(view.panelFill().role, Role::Secondary);
+    QCOMPARE(changes.size(), 2);
 }
 
 QTEST_MAIN(EditorWindowsTest)

@@ -69,6 +69,12 @@ struct EditorManagerFixture
     FakeEditorWindow *primary() const { return static_cast<FakeEditorWindow *>(manager.editorWindow()); }
     FakeEditorWindow *lastWindow() const { return windows.windows.isEmpty() ? nullptr : windows.windows.last(); }
 
+    void openWithoutNotification(bool keepExistingWindow)
+    {
+        settings.setOpenEditorViaNotification(false);
+        settings.setKeepExistingEditorWindowOnAutoOpen(keepExistingWindow);
+    }
+
     // The hand-off after a capture, run until what it posted has happened.
     void handOff(const QImage &image, const QUrl &source)
     {

@@ -27,14 +27,17 @@ struct Flattened
     {
         return image.pixel(x - int(bounds.minX()), int(bounds.maxY()) - y - 1);
     }
-    // The canvas box of pixels that differ from `background`, in image coordinates (y up).
-    QRect ink(QRgb background) const
+    // The canvas box of pixels that differ from `background`, in image coordinates (y up); only those
+    // inside `area` (image coordinates) when one is given.
+    QRect ink(QRgb background, const QRect &area = QRect()) const
     {
         QRect box;
         for (int row = 0; row < image.height(); ++row)
-            for (int column = 0; column < image.width(); ++column)
-                if (image.pixel(column, row) != background)
-                    box |= QRect(column + int(bounds.minX()), int(bounds.maxY()) - row - 1, 1, 1);
+            for (int column = 0; column < image.width(); ++column) {
+                const QPoint point(column + int(bounds.minX()), int(bounds.maxY()) - row - 1);
+                if (image.pixel(column, row) != background && (area.isNull() || area.contains(point)))
+                    box |= QRect(point, QSize(1, 1));
+            }
         return box;
     }
 };
