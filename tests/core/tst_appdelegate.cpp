@@ -72,7 +72,6 @@ private slots:
     void menuEntries();
     void statusItemClicks_data();
     void statusItemClicks();
-    void notificationToggleFlipsAndSaves();
     void menuActionsReachTheSubsystems();
     void settingsChangeReRegistersAndSyncsTheToggle();
     void authorizationResultsAreLogged_data();
@@ -80,11 +79,9 @@ private slots:
     void notificationResponses();
     void settingsWindowIsFittedWhenShownFromHidden_data();
     void settingsWindowIsFittedWhenShownFromHidden();
-    void settingsWindowLeftWhereItIsWhileVisible();
     void settingsWithoutAWindowOnlyLog();
     void closeWindowShortcut_data();
     void closeWindowShortcut();
-    void terminationUnregisters();
 };
 
 void AppDelegateTest::launchRunsInOrder()
@@ -100,13 +97,16 @@ void AppDelegateTest::launchRunsInOrder()
     QCOMPARE(f.statusItem.appearance.accessibilityDescription, u"Vistrel"_s);
     QVERIFY(f.statusItem.appearance.isTemplate);
     QVERIFY(f.statusItem.toggleChecked); // notification mode is on by default
+
+    f.delegate.applicationWillTerminate();
+    QVERIFY(f.hotKeys.registrations.isEmpty());
+    QVERIFY(f.hotKeys.handlers.isEmpty());
 }
 
 void AppDelegateTest::menuEntries()
 {
-    const QList<StatusItem::MenuEntry> entries = AppDelegate::statusMenuEntries();
     QStringList rendered;
-    for (const StatusItem::MenuEntry &entry : entries)
+    for (const StatusItem::MenuEntry &entry : AppDelegate::statusMenuEntries())
         rendered << (entry.isSeparator ? u"---"_s : entry.title + u'|' + entry.keyEquivalent + (entry.isToggle ? u"|toggle"_s : QString()));
     QCOMPARE(rendered, (QStringList{u"スクリーンショットを撮る|s"_s, u"画像を開いて編集...|e"_s, u"設定...|,"_s,
                                      u"アップデートを確認...|"_s, u"---"_s, u"通知を出す||toggle"_s, u"---"_s,
@@ -115,50 +115,30 @@ void AppDelegateTest::menuEntries()
 
 void AppDelegateTest::statusItemClicks_data()
 {
-    QTest::addColumn<bool>("hasEvent");
-    QTest::addColumn<int>("type");
-    QTest::addColumn<bool>("control");
+    QTest::addColumn<std::optional<StatusItem::ClickEvent>>("event");
     QTest::addColumn<bool>("showsMenu");
-    QTest::newRow("no current event counts as primary") << false << 0 << false << false;
-    QTest::newRow("left click") << true << int(ClickType::LeftMouseUp) << false << false;
-    QTest::newRow("control-left click") << true << int(ClickType::LeftMouseUp) << true << true;
-    QTest::newRow("right click") << true << int(ClickType::RightMouseUp) << false << true;
-    QTest::newRow("other event") << true << int(ClickType::Other) << true << false;
+    using Event = StatusItem::ClickEvent;
+    QTest::newRow("no current event counts as primary") << std::optional<Event>() << false;
+    QTest::newRow("left click") << std::optional(Event{ClickType::LeftMouseUp, false}) << false;
+    QTest::newRow("control-left click") << std::optional(Event{ClickType::LeftMouseUp, true}) << true;
+    QTest::newRow("right click") << std::optional(Event{ClickType::RightMouseUp, false}) << true;
+    QTest::newRow("other event") << std::optional(Event{ClickType::Other, true}) << false;
 }
 
 void AppDelegateTest::statusItemClicks()
 {
-    QFETCH(bool, hasEvent);
-    QFETCH(int, type);
-    QFETCH(bool, control);
+    QFETCH(std::optional<StatusItem::ClickEvent>, event);
     QFETCH(bool, showsMenu);
     Fixture f;
     f.delegate.applicationDidFinishLaunching();
     // The setting changes behind the menu's back; a secondary click must show the fresh state.
     f.settings.setOpenEditorViaNotification(false);
     f.statusItem.toggleChecked = true;
-
-    const auto event = hasEvent ? std::optional(StatusItem::ClickEvent{ClickType(type), control}) : std::nullopt;
     f.statusItem.onClick(event);
-
     QCOMPARE(f.statusItem.popUpCount, showsMenu ? 1 : 0);
     QCOMPARE(f.commands.calls, showsMenu ? QStringList{} : QStringList{u"openEditorLauncher"_s});
     if (showsMenu)
         QVERIFY(!f.statusItem.checkedWhenLastShown);
-}
-
-void AppDelegateTest::notificationToggleFlipsAndSaves()
-{
-    Fixture f;
-    f.delegate.applicationDidFinishLaunching();
-    f.statusItem.onAction(StatusItem::Action::ToggleOpenEditorViaNotification);
-    QVERIFY(!f.settings.openEditorViaNotification());
-    QCOMPARE(f.store.synced.value(u"VistrelOpenEditorViaNotification"_s), QVariant(false));
-    f.statusItem.onClick(StatusItem::ClickEvent{ClickType::RightMouseUp, false});
-    QVERIFY(!f.statusItem.checkedWhenLastShown);
-    f.statusItem.onAction(StatusItem::Action::ToggleOpenEditorViaNotification);
-    f.statusItem.onClick(StatusItem::ClickEvent{ClickType::RightMouseUp, false});
-    QVERIFY(f.statusItem.checkedWhenLastShown);
 }
 
 void AppDelegateTest::menuActionsReachTheSubsystems()
@@ -173,6 +153,15 @@ void AppDelegateTest::menuActionsReachTheSubsystems()
     QCOMPARE(f.diagnostics.lines(), QStringList{u"triggerScreenshot invoked"_s});
     QCOMPARE(f.commands.calls, (QStringList{u"startSelection"_s, u"openEditorLauncher"_s, u"checkForUpdates"_s}));
     QCOMPARE(f.application.terminateCount, 1);
+
+    // The notification toggle flips the setting, saves it, and the menu shows it.
+    f.statusItem.onAction(StatusItem::Action::ToggleOpenEditorViaNotification);
+    QCOMPARE(f.store.synced.value(u"VistrelOpenEditorViaNotification"_s), QVariant(false));
+    f.statusItem.onClick(StatusItem::ClickEvent{ClickType::RightMouseUp, false});
+    QVERIFY(!f.statusItem.checkedWhenLastShown);
+    f.statusItem.onAction(StatusItem::Action::ToggleOpenEditorViaNotification);
+    f.statusItem.onClick(StatusItem::ClickEvent{ClickType::RightMouseUp, false});
+    QVERIFY(f.statusItem.checkedWhenLastShown);
 }
 
 void AppDelegateTest::settingsChangeReRegistersAndSyncsTheToggle()
@@ -190,21 +179,22 @@ void AppDelegateTest::settingsChangeReRegistersAndSyncsTheToggle()
 void AppDelegateTest::authorizationResultsAreLogged_data()
 {
     QTest::addColumn<bool>("granted");
-    QTest::addColumn<QString>("error");
+    QTest::addColumn<std::optional<QString>>("error");
     QTest::addColumn<QString>("message");
-    QTest::newRow("granted") << true << QString() << u"Vistrel: 通知許可が付与されました"_s;
-    QTest::newRow("refused") << false << QString() << u"Vistrel: ユーザーが通知許可を拒否しました"_s;
-    QTest::newRow("failed") << false << u"no server"_s << u"Vistrel: 通知許可の取得に失敗しました: no server"_s;
+    QTest::newRow("granted") << true << std::optional<QString>() << u"Vistrel: 通知許可が付与されました"_s;
+    QTest::newRow("refused") << false << std::optional<QString>() << u"Vistrel: ユーザーが通知許可を拒否しました"_s;
+    QTest::newRow("failed") << false << std::optional(u"no server"_s)
+                            << u"Vistrel: 通知許可の取得に失敗しました: no server"_s;
 }
 
 void AppDelegateTest::authorizationResultsAreLogged()
 {
     QFETCH(bool, granted);
-    QFETCH(QString, error);
+    QFETCH(std::optional<QString>, error);
     QFETCH(QString, message);
     Fixture f;
     f.delegate.applicationDidFinishLaunching();
-    f.notifier.pendingAuthorization(granted, error.isEmpty() ? std::nullopt : std::optional(error));
+    f.notifier.pendingAuthorization(granted, error);
     QCOMPARE(f.systemLog.messages(), QStringList{message});
     QVERIFY(f.settings.openEditorViaNotification()); // a refusal changes no setting
 }
@@ -218,37 +208,38 @@ void AppDelegateTest::notificationResponses()
     QVERIFY(f.commands.calls.isEmpty()); // deferred to the main queue
     f.scheduler.runUntilIdle();
     QCOMPARE(f.commands.calls, QStringList{u"openEditor(reuse)"_s});
-    QCOMPARE(AppDelegate::foregroundPresentationOptions(), AppDelegate::Banner | AppDelegate::Sound);
 }
 
 void AppDelegateTest::settingsWindowIsFittedWhenShownFromHidden_data()
 {
+    QTest::addColumn<bool>("hidden");
     QTest::addColumn<Rect>("windowFrame");
     QTest::addColumn<bool>("windowHasScreen");
     QTest::addColumn<bool>("hasMain");
     QTest::addColumn<bool>("hasScreens");
     QTest::addColumn<Rect>("expected");
-    const Rect laptop(0, 0, 1440, 900);
     QTest::newRow("taller than the visible area is shrunk and centred")
-        << Rect(100, 0, 560, 860) << true << true << true << Rect(440, 25, 560, 850);
-    QTest::newRow("fits: only centred") << Rect(0, 0, 560, 600) << true << true << true << Rect(440, 150, 560, 600);
+        << true << Rect(100, 0, 560, 860) << true << true << true << Rect(440, 25, 560, 850);
+    QTest::newRow("fits: only centred") << true << Rect(0, 0, 560, 600) << true << true << true << Rect(440, 150, 560, 600);
     QTest::newRow("off-screen window uses the main screen")
-        << Rect(5000, 5000, 560, 860) << false << true << true << Rect(2440, 205, 560, 860);
+        << true << Rect(5000, 5000, 560, 860) << false << true << true << Rect(2440, 205, 560, 860);
     QTest::newRow("no main screen uses the first")
-        << Rect(5000, 5000, 560, 860) << false << false << true << Rect(3040, 110, 560, 860);
+        << true << Rect(5000, 5000, 560, 860) << false << false << true << Rect(3040, 110, 560, 860);
     QTest::newRow("no screen at all leaves the frame")
-        << Rect(5000, 5000, 560, 860) << false << false << false << Rect(5000, 5000, 560, 860);
+        << true << Rect(5000, 5000, 560, 860) << false << false << false << Rect(5000, 5000, 560, 860);
+    QTest::newRow("a visible window is left where it is")
+        << false << Rect(7, 9, 560, 860) << true << true << true << Rect(7, 9, 560, 860);
 }
 
 void AppDelegateTest::settingsWindowIsFittedWhenShownFromHidden()
 {
+    QFETCH(bool, hidden);
     QFETCH(Rect, windowFrame);
     QFETCH(bool, windowHasScreen);
     QFETCH(bool, hasMain);
     QFETCH(bool, hasScreens);
     QFETCH(Rect, expected);
     Fixture f;
-    // The window's own screen has a menu bar and a dock: its visible frame is (0, 25, 1440, 850).
     const DisplayInfo mainDisplay{2u, Rect(1440, 0, 2560, 1270), Rect(1440, 0, 2560, 1270), 1};
     const DisplayInfo firstDisplay{1u, Rect(2560, 0, 1520, 1080), Rect(2560, 0, 1520, 1080), 1};
     if (hasMain)
@@ -257,26 +248,17 @@ void AppDelegateTest::settingsWindowIsFittedWhenShownFromHidden()
         f.displays.displays = {firstDisplay, mainDisplay};
     f.delegate.showSettings();
     QVERIFY(f.settingsWindow);
-    f.settingsWindow->visible = false;
+    f.settingsWindow->visible = !hidden;
     f.settingsWindow->currentFrame = windowFrame;
+    // The window's own screen has a menu bar and a dock.
     if (windowHasScreen)
         f.settingsWindow->screenFrame = Rect(0, 25, 1440, 850);
     f.delegate.showSettings();
     QCOMPARE(f.settingsWindow->frame(), expected);
     QVERIFY(f.settingsWindow->isVisible());
+    QCOMPARE(f.settingsWindow->orderFrontCount, 2);
     QCOMPARE(f.settingsWindowsMade, 1); // the same window comes back
     QCOMPARE(f.application.activateCount, 2);
-}
-
-void AppDelegateTest::settingsWindowLeftWhereItIsWhileVisible()
-{
-    Fixture f;
-    f.displays.main = FakeDisplayProvider::display(1u, Rect(0, 0, 1440, 900));
-    f.delegate.showSettings();
-    f.settingsWindow->currentFrame = Rect(7, 9, 560, 860);
-    f.delegate.showSettings();
-    QCOMPARE(f.settingsWindow->frame(), Rect(7, 9, 560, 860));
-    QCOMPARE(f.settingsWindow->orderFrontCount, 2);
 }
 
 void AppDelegateTest::settingsWithoutAWindowOnlyLog()
@@ -309,15 +291,6 @@ void AppDelegateTest::closeWindowShortcut()
     QFETCH(QString, characters);
     QFETCH(bool, closes);
     QCOMPARE(windowrules::isCloseWindowShortcut({keyDown, command, characters}), closes);
-}
-
-void AppDelegateTest::terminationUnregisters()
-{
-    Fixture f;
-    f.delegate.applicationDidFinishLaunching();
-    f.delegate.applicationWillTerminate();
-    QVERIFY(f.hotKeys.registrations.isEmpty());
-    QVERIFY(f.hotKeys.handlers.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(AppDelegateTest)

@@ -53,8 +53,7 @@ private slots:
     void registersBothFromSettings();
     void registrationOutcomes_data();
     void registrationOutcomes();
-    void reRegisteringLeavesOneOfEach();
-    void unregisterRemovesEverything();
+    void reRegisteringLeavesOneOfEachAndUnregisterRemovesAll();
     void pressesAreDispatchedById_data();
     void pressesAreDispatchedById();
 };
@@ -133,7 +132,7 @@ void CaptureHotKeysTest::registrationOutcomes()
     QCOMPARE(f.systemLog.messages(), messages);
 }
 
-void CaptureHotKeysTest::reRegisteringLeavesOneOfEach()
+void CaptureHotKeysTest::reRegisteringLeavesOneOfEachAndUnregisterRemovesAll()
 {
     Fixture f;
     f.hotKeys.registerHotKey();
@@ -148,12 +147,7 @@ void CaptureHotKeysTest::reRegisteringLeavesOneOfEach()
     // A press reaches the application once, not once per registration round.
     f.registrar.press(HotKeyRegistrar::Identifier{vstl, 1});
     QCOMPARE(f.commands.calls, QStringList{u"startSelection"_s});
-}
 
-void CaptureHotKeysTest::unregisterRemovesEverything()
-{
-    Fixture f;
-    f.hotKeys.registerHotKey();
     f.hotKeys.unregisterHotKey();
     QVERIFY(f.registrar.handlers.isEmpty());
     QVERIFY(f.registrar.registrations.isEmpty());

@@ -7,6 +7,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <utility>
+
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
@@ -15,6 +17,8 @@
 #include <unistd.h>
 
 extern char **environ;
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -69,11 +73,21 @@ ChildResult runChild(const QStringList &arguments)
 
 QByteArray readLog(const QString &folder)
 {
-    QFile file(folder + QStringLiteral("/diagnostics.log"));
+    QFile file(folder + u"/diagnostics.log"_s);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 const QRegularExpression timeStampedLine(QStringLiteral(R"(^\[\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ\] (.*)$)"));
+
+QStringList loggedMessages(const QString &folder)
+{
+    QStringList messages;
+    for (const QString &line : QString::fromUtf8(readLog(folder)).split(u'\n', Qt::SkipEmptyParts)) {
+        const auto match = timeStampedLine.match(line);
+        messages << (match.hasMatch() ? match.captured(1) : u"unstamped: "_s + line);
+    }
+    return messages;
+}
 
 } // namespace
 
@@ -84,13 +98,10 @@ class CrashDiagnosticsTest : public QObject
 private slots:
     void fatalSignalIsRecordedAndReraised_data();
     void fatalSignalIsRecordedAndReraised();
-    void unknownSignalWritesUnknownAndReraisesIt();
     void unwritableFolderStillReportsAndDies();
     void firstWriteCreatesThenAppends();
-    void emptyMessageStillMakesALine();
     void uncaughtExceptionIsRecorded_data();
     void uncaughtExceptionIsRecorded();
-    void logFileModeIs0644();
     void platformExceptionHandlerIsInstalledOnceBeforeTheInstallLine();
     void exceptionRecordHasHeadThenOneSymbolPerLine_data();
     void exceptionRecordHasHeadThenOneSymbolPerLine();
@@ -98,57 +109,48 @@ private slots:
 
 void CrashDiagnosticsTest::fatalSignalIsRecordedAndReraised_data()
 {
-    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("argument");
     QTest::addColumn<int>("number");
-    QTest::newRow("SIGABRT") << QStringLiteral("SIGABRT") << SIGABRT;
-    QTest::newRow("SIGILL") << QStringLiteral("SIGILL") << SIGILL;
-    QTest::newRow("SIGSEGV") << QStringLiteral("SIGSEGV") << SIGSEGV;
-    QTest::newRow("SIGBUS") << QStringLiteral("SIGBUS") << SIGBUS;
-    QTest::newRow("SIGTRAP") << QStringLiteral("SIGTRAP") << SIGTRAP;
-    QTest::newRow("SIGFPE") << QStringLiteral("SIGFPE") << SIGFPE;
-    QTest::newRow("SIGPIPE") << QStringLiteral("SIGPIPE") << SIGPIPE;
+    QTest::addColumn<QString>("name");
+    for (const auto &[name, number] : {std::pair{"SIGABRT", SIGABRT}, {"SIGILL", SIGILL}, {"SIGSEGV", SIGSEGV},
+                                       {"SIGBUS", SIGBUS}, {"SIGTRAP", SIGTRAP}, {"SIGFPE", SIGFPE}, {"SIGPIPE", SIGPIPE}})
+        QTest::newRow(name) << u"signal"_s << QString::fromLatin1(name) << number << QString::fromLatin1(name);
+    QTest::newRow("a signal the handler does not know is UNKNOWN, and re-raised")
+        << u"handler"_s << QString::number(SIGUSR2) << int(SIGUSR2) << u"UNKNOWN"_s;
 }
 
 void CrashDiagnosticsTest::fatalSignalIsRecordedAndReraised()
 {
-    QFETCH(QString, name);
+    QFETCH(QString, action);
+    QFETCH(QString, argument);
     QFETCH(int, number);
+    QFETCH(QString, name);
     QTemporaryDir dir;
-    const QString folder = dir.filePath(QStringLiteral("Logs/Vistrel"));
-
-    const ChildResult child = runChild({folder, QStringLiteral("signal"), name});
+    const QString folder = dir.filePath(u"Logs/Vistrel"_s);
+    const mode_t previousMask = ::umask(022);
+    const ChildResult child = runChild({folder, action, argument});
+    ::umask(previousMask);
 
     QCOMPARE(child.signal, number);
-    const QByteArray expected = "Vistrel fatal signal: " + name.toLatin1() + '\n';
-    QVERIFY2(child.standardError.endsWith(expected), child.standardError.constData());
-    const QList<QByteArray> lines = readLog(folder).split('\n');
-    QCOMPARE(lines.size(), 3); // the install line, the signal line, and the end after the last new-line
-    const auto match = timeStampedLine.match(QString::fromUtf8(lines[0]));
-    QVERIFY(match.hasMatch());
-    QCOMPARE(match.captured(1), u"Crash diagnostics installed. log=" + folder + u"/diagnostics.log");
-    QCOMPARE(lines[1] + '\n', expected);
-}
-
-void CrashDiagnosticsTest::unknownSignalWritesUnknownAndReraisesIt()
-{
-    QTemporaryDir dir;
-    const ChildResult child = runChild({dir.path(), QStringLiteral("handler"), QString::number(SIGUSR2)});
-    QCOMPARE(child.signal, SIGUSR2);
-    QVERIFY(child.standardError.endsWith("Vistrel fatal signal: UNKNOWN\n"));
-    QVERIFY(readLog(dir.path()).endsWith("Vistrel fatal signal: UNKNOWN\n"));
+    const QString expected = u"Vistrel fatal signal: "_s + name;
+    QVERIFY2(child.standardError.endsWith((expected + u'\n').toUtf8()), child.standardError.constData());
+    QCOMPARE(loggedMessages(folder), (QStringList{u"Crash diagnostics installed. log=" + folder + u"/diagnostics.log",
+                                                  u"unstamped: "_s + expected}));
+    // install() creates the file through the raw descriptor, with mode 0644 whatever the process mask.
+    struct stat info {};
+    QCOMPARE(::stat(QFile::encodeName(folder + u"/diagnostics.log"_s).constData(), &info), 0);
+    QCOMPARE(info.st_mode & 0777, mode_t(0644));
 }
 
 void CrashDiagnosticsTest::unwritableFolderStillReportsAndDies()
 {
     QTemporaryDir dir;
     // A folder below a regular file can be neither made nor opened, even by root.
-    QFile blocker(dir.filePath(QStringLiteral("file")));
+    QFile blocker(dir.filePath(u"file"_s));
     QVERIFY(blocker.open(QIODevice::WriteOnly));
     blocker.close();
-    const QString folder = dir.filePath(QStringLiteral("file/Logs"));
-
-    const ChildResult child = runChild({folder, QStringLiteral("signal"), QStringLiteral("SIGSEGV")});
-
+    const ChildResult child = runChild({dir.filePath(u"file/Logs"_s), u"signal"_s, u"SIGSEGV"_s});
     QCOMPARE(child.signal, SIGSEGV);
     QVERIFY(child.standardError.contains("] Crash diagnostics installed. log="));
     QVERIFY(child.standardError.endsWith("Vistrel fatal signal: SIGSEGV\n"));
@@ -157,41 +159,25 @@ void CrashDiagnosticsTest::unwritableFolderStillReportsAndDies()
 void CrashDiagnosticsTest::firstWriteCreatesThenAppends()
 {
     QTemporaryDir dir;
-    const QString folder = dir.filePath(QStringLiteral("fresh/account/Vistrel"));
-    ChildResult child = runChild({folder, QStringLiteral("write"), QStringLiteral("first")});
+    const QString folder = dir.filePath(u"fresh/account/Vistrel"_s);
+    QCOMPARE(runChild({folder, u"write"_s, u"first"_s}).exitCode, 0);
+    const ChildResult child = runChild({folder, u"write"_s, u"second"_s, QString(), u"日本語 third"_s});
     QCOMPARE(child.exitCode, 0);
-    child = runChild({folder, QStringLiteral("write"), QStringLiteral("second"), QStringLiteral("日本語 third")});
-    QCOMPARE(child.exitCode, 0);
-
-    const QStringList lines = QString::fromUtf8(readLog(folder)).split(u'\n', Qt::SkipEmptyParts);
-    QStringList messages;
-    for (const QString &line : lines) {
-        const auto match = timeStampedLine.match(line);
-        QVERIFY2(match.hasMatch(), qPrintable(line));
-        messages << match.captured(1);
-    }
-    QCOMPARE(messages, (QStringList{QStringLiteral("first"), QStringLiteral("second"), QStringLiteral("日本語 third")}));
+    // An empty message still makes a line of its own.
+    QVERIFY(readLog(folder).contains("Z] \n"));
+    QCOMPARE(loggedMessages(folder), (QStringList{u"first"_s, u"second"_s, QString(), u"日本語 third"_s}));
     QVERIFY(child.standardError.contains("] 日本語 third\n"));
-}
-
-void CrashDiagnosticsTest::emptyMessageStillMakesALine()
-{
-    QTemporaryDir dir;
-    QCOMPARE(runChild({dir.path(), QStringLiteral("write"), QString()}).exitCode, 0);
-    const QByteArray log = readLog(dir.path());
-    QVERIFY(QRegularExpression(QStringLiteral(R"(^\[[^\]]+Z\] \n$)")).match(QString::fromUtf8(log)).hasMatch());
 }
 
 void CrashDiagnosticsTest::uncaughtExceptionIsRecorded_data()
 {
     QTest::addColumn<QString>("argument");
     QTest::addColumn<QString>("expectedHead");
-    QTest::newRow("with reason") << QStringLiteral("disk on fire")
-                                 << QStringLiteral("Uncaught C++ exception: std::runtime_error reason=disk on fire");
-    QTest::newRow("empty reason is nil") << QString()
-                                         << QStringLiteral("Uncaught C++ exception: std::runtime_error reason=nil");
-    QTest::newRow("not a std::exception") << QStringLiteral("custom")
-                                          << QStringLiteral("Uncaught C++ exception: (anonymous namespace)::CustomFailure reason=nil");
+    QTest::newRow("with reason") << u"disk on fire"_s
+                                 << u"Uncaught C++ exception: std::runtime_error reason=disk on fire"_s;
+    QTest::newRow("empty reason is nil") << QString() << u"Uncaught C++ exception: std::runtime_error reason=nil"_s;
+    QTest::newRow("not a std::exception")
+        << u"custom"_s << u"Uncaught C++ exception: (anonymous namespace)::CustomFailure reason=nil"_s;
 }
 
 void CrashDiagnosticsTest::uncaughtExceptionIsRecorded()
@@ -199,68 +185,45 @@ void CrashDiagnosticsTest::uncaughtExceptionIsRecorded()
     QFETCH(QString, argument);
     QFETCH(QString, expectedHead);
     QTemporaryDir dir;
-    const ChildResult child = runChild({dir.path(), QStringLiteral("throw"), argument});
+    const ChildResult child = runChild({dir.path(), u"throw"_s, argument});
     QCOMPARE(child.signal, SIGABRT);
     const QString log = QString::fromUtf8(readLog(dir.path()));
     QVERIFY2(log.contains(u"] " + expectedHead + u'\n'), qPrintable(log));
     // A stack follows the head line, and the abort that ends the process is recorded last.
-    QVERIFY(log.endsWith(QStringLiteral("Vistrel fatal signal: SIGABRT\n")));
-    const qsizetype head = log.indexOf(expectedHead);
-    QVERIFY(log.mid(head).count(u'\n') > 3);
-}
-
-void CrashDiagnosticsTest::logFileModeIs0644()
-{
-    QTemporaryDir dir;
-    const mode_t previous = ::umask(022);
-    runChild({dir.path(), QStringLiteral("signal"), QStringLiteral("SIGTRAP")});
-    ::umask(previous);
-    struct stat info {};
-    QCOMPARE(::stat(QFile::encodeName(dir.filePath(QStringLiteral("diagnostics.log"))).constData(), &info), 0);
-    // install() creates the file through the raw descriptor, with mode 0644.
-    QCOMPARE(info.st_mode & 0777, mode_t(0644));
+    QVERIFY(log.endsWith(u"Vistrel fatal signal: SIGABRT\n"_s));
+    QVERIFY(log.mid(log.indexOf(expectedHead)).count(u'\n') > 3);
 }
 
 void CrashDiagnosticsTest::platformExceptionHandlerIsInstalledOnceBeforeTheInstallLine()
 {
     QTemporaryDir dir;
-    QCOMPARE(runChild({dir.path(), QStringLiteral("platform")}).exitCode, 0);
-    QStringList messages;
-    for (const QString &line : QString::fromUtf8(readLog(dir.path())).split(u'\n', Qt::SkipEmptyParts))
-        messages << timeStampedLine.match(line).captured(1);
-    QCOMPARE(messages, (QStringList{QStringLiteral("platform exception handler installed"),
-                                    u"Crash diagnostics installed. log=" + dir.path() + u"/diagnostics.log"}));
+    QCOMPARE(runChild({dir.path(), u"platform"_s}).exitCode, 0);
+    QCOMPARE(loggedMessages(dir.path()), (QStringList{u"platform exception handler installed"_s,
+                                                      u"Crash diagnostics installed. log=" + dir.path()
+                                                          + u"/diagnostics.log"}));
 }
 
 void CrashDiagnosticsTest::exceptionRecordHasHeadThenOneSymbolPerLine_data()
 {
-    QTest::addColumn<QString>("reason");
-    QTest::addColumn<bool>("hasReason");
+    QTest::addColumn<std::optional<QString>>("reason");
     QTest::addColumn<QStringList>("stack");
     QTest::addColumn<QString>("expected");
-    const QStringList stack{QStringLiteral("0   CoreFoundation  __exceptionPreprocess + 176"),
-                            QStringLiteral("1   libobjc.A.dylib  objc_exception_throw + 60")};
-    QTest::newRow("reason and stack")
-        << QStringLiteral("index 3 beyond bounds") << true << stack
-        << QStringLiteral("Uncaught NSException: NSRangeException reason=index 3 beyond bounds\n"
-                          "0   CoreFoundation  __exceptionPreprocess + 176\n"
-                          "1   libobjc.A.dylib  objc_exception_throw + 60");
-    QTest::newRow("no reason reads nil") << QString() << false << stack.mid(0, 1)
-        << QStringLiteral("Uncaught NSException: NSRangeException reason=nil\n"
-                          "0   CoreFoundation  __exceptionPreprocess + 176");
-    QTest::newRow("an empty reason stays empty") << QString() << true << QStringList()
-        << QStringLiteral("Uncaught NSException: NSRangeException reason=\n");
+    const QStringList stack{u"0   CoreFoundation  __exceptionPreprocess + 176"_s,
+                            u"1   libobjc.A.dylib  objc_exception_throw + 60"_s};
+    QTest::newRow("reason and stack") << std::optional<QString>(u"index 3 beyond bounds"_s) << stack
+        << u"Uncaught NSException: NSRangeException reason=index 3 beyond bounds\n" + stack.join(u'\n');
+    QTest::newRow("no reason reads nil") << std::optional<QString>() << stack.mid(0, 1)
+        << u"Uncaught NSException: NSRangeException reason=nil\n" + stack.first();
+    QTest::newRow("an empty reason stays empty") << std::optional<QString>(QString()) << QStringList()
+        << u"Uncaught NSException: NSRangeException reason=\n"_s;
 }
 
 void CrashDiagnosticsTest::exceptionRecordHasHeadThenOneSymbolPerLine()
 {
-    QFETCH(QString, reason);
-    QFETCH(bool, hasReason);
+    QFETCH(std::optional<QString>, reason);
     QFETCH(QStringList, stack);
     QFETCH(QString, expected);
-    const std::optional<QString> given = hasReason ? std::optional(reason) : std::nullopt;
-    QCOMPARE(CrashDiagnostics::uncaughtExceptionRecord(QStringLiteral("NSException"),
-                                                       QStringLiteral("NSRangeException"), given, stack),
+    QCOMPARE(CrashDiagnostics::uncaughtExceptionRecord(u"NSException"_s, u"NSRangeException"_s, reason, stack),
              expected);
 }
 

@@ -19,7 +19,6 @@ class RepeatCaptureTest : public QObject
 private slots:
     void outcomes_data();
     void outcomes();
-    void unpluggedDisplayIsReportedOnceThenForgotten();
     void repeatsLiveWithoutOverlayOrDelay();
     void regionIsCutAtTheNewRightEdge();
 };
@@ -125,21 +124,6 @@ void RepeatCaptureTest::outcomes()
         QCOMPARE(f.systemLog.messages(), QStringList{u"Vistrel: 画面収録の許可が必要です。システム設定を開きます。"_s});
         QCOMPARE(f.workspace.opened.size(), 1);
     }
-}
-
-void RepeatCaptureTest::unpluggedDisplayIsReportedOnceThenForgotten()
-{
-    CaptureFixture f;
-    f.setDisplays({primary, wide});
-    f.captureRegion(1, Rect(10, 10, 50, 50));
-    f.setDisplays({primary});
-    f.diagnostics.clear();
-    f.manager.captureLastSelection();
-    f.manager.captureLastSelection();
-    f.scheduler.runUntilIdle();
-    QCOMPARE(f.lines(), (QStringList{u"repeat capture skipped: display=2 is no longer connected"_s,
-                                     u"repeat capture skipped: no previous selection"_s}));
-    QCOMPARE(f.sounds.beepCount(), 2);
 }
 
 void RepeatCaptureTest::repeatsLiveWithoutOverlayOrDelay()

@@ -27,18 +27,6 @@ QRegion canvasRegion(const QList<Rect> &areas, double viewHeight, double scale)
     return region;
 }
 
-QImage paint(const SelectionView &view, double scale)
-{
-    const Rect bounds = view.bounds();
-    QImage canvas(QSize(int(bounds.width() * scale), int(bounds.height() * scale)), QImage::Format_RGB32);
-    canvas.setDevicePixelRatio(scale);
-    QPainter painter(&canvas);
-    painter.translate(0, bounds.height());
-    painter.scale(1, -1);
-    view.draw(painter);
-    return canvas;
-}
-
 } // namespace
 
 Q_DECLARE_METATYPE(Step)
@@ -90,7 +78,7 @@ void SelectionDamageTest::everyChangedPixelIsRepainted()
         f.view.mouseMoved(before.first());
     for (qsizetype i = 0; i < before.size() && before.size() > 1; ++i)
         i == 0 ? f.view.mouseDown(before.at(i)) : f.view.mouseDragged(before.at(i));
-    const QImage shownBefore = paint(f.view, scale);
+    const QImage shownBefore = render(f.view, Qt::black, scale);
 
     f.window.dirtyRects.clear();
     switch (step) {
@@ -98,7 +86,7 @@ void SelectionDamageTest::everyChangedPixelIsRepainted()
     case Step::Press: f.view.mouseDown(to); break;
     case Step::Drag: f.view.mouseDragged(to); break;
     }
-    const QImage shownAfter = paint(f.view, scale);
+    const QImage shownAfter = render(f.view, Qt::black, scale);
     const QRegion repainted = canvasRegion(f.window.dirtyRects, f.size.height(), scale);
 
     int changed = 0;

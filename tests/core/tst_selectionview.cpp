@@ -61,11 +61,9 @@ private slots:
     void mouse();
     void keys_data();
     void keys();
-    void cursorIsHiddenOncePerViewAndAlwaysShownAgain();
-    void presentationStartsClean();
+    void cursorIsHiddenOncePerViewAndPresentationStartsClean();
     void labelMeasuresPixelsOfTheViewsDisplay();
     void frozenImageIsDimmedAndUpright();
-    void liveDesktopIsDimmed();
     void selectionFillOutlineAndLabel();
     void crosshairIsDashed();
 };
@@ -154,16 +152,24 @@ void SelectionViewTest::keys()
     }
 }
 
-void SelectionViewTest::cursorIsHiddenOncePerViewAndAlwaysShownAgain()
+void SelectionViewTest::cursorIsHiddenOncePerViewAndPresentationStartsClean()
 {
     ViewFixture f;
     f.view.mouseDown(QPointF(10, 10));
     f.view.mouseDown(QPointF(20, 20));
+    f.view.mouseDragged(QPointF(200, 200));
     QCOMPARE(f.cursor.hideCount, 1);
     f.view.resetInteractionState(false);
     QCOMPARE(f.cursor.hiddenLevel(), 1);
+    const int redraws = f.window.needsDisplayCount;
     f.view.resetForPresentation();
     QCOMPARE(f.cursor.hiddenLevel(), 0);
+    QVERIFY(f.view.currentRect().isEmpty());
+    QVERIFY(!f.view.currentMousePoint());
+    QVERIFY(f.window.needsDisplayCount > redraws);
+    // Without a press, a drag starts nothing.
+    f.view.mouseDragged(QPointF(300, 300));
+    QVERIFY(f.view.currentRect().isEmpty());
 
     // Leaving the window shows the pointer again.
     f.view.mouseDown(QPointF(10, 10));
@@ -172,21 +178,6 @@ void SelectionViewTest::cursorIsHiddenOncePerViewAndAlwaysShownAgain()
     f.view.cancelOperation();
     QCOMPARE(f.cursor.hideCount, 2);
     QCOMPARE(f.cursor.unhideCount, 2);
-}
-
-void SelectionViewTest::presentationStartsClean()
-{
-    ViewFixture f;
-    f.view.mouseDown(QPointF(10, 10));
-    f.view.mouseDragged(QPointF(200, 200));
-    const int redraws = f.window.needsDisplayCount;
-    f.view.resetForPresentation();
-    QVERIFY(f.view.currentRect().isEmpty());
-    QVERIFY(!f.view.currentMousePoint());
-    QVERIFY(f.window.needsDisplayCount > redraws);
-    // Without a press, a drag starts nothing.
-    f.view.mouseDragged(QPointF(300, 300));
-    QVERIFY(f.view.currentRect().isEmpty());
 }
 
 void SelectionViewTest::labelMeasuresPixelsOfTheViewsDisplay()
@@ -204,6 +195,8 @@ void SelectionViewTest::labelMeasuresPixelsOfTheViewsDisplay()
 void SelectionViewTest::frozenImageIsDimmedAndUpright()
 {
     ViewFixture f(QSizeF(400, 300));
+    // Without a frozen image the live desktop behind the window is dimmed.
+    QCOMPARE_COLOR(at(render(f.view, QColor(200, 200, 200)), 200, 150), QColor(150, 150, 150));
     // A 2x screen image: red in its top half, blue in its bottom half.
     QImage frozen(800, 600, QImage::Format_RGB32);
     frozen.fill(QColor(0, 0, 200));
@@ -214,13 +207,6 @@ void SelectionViewTest::frozenImageIsDimmedAndUpright()
     QCOMPARE_COLOR(at(canvas, 50, 250), over(QColor(200, 0, 0), dimming));
     QCOMPARE_COLOR(at(canvas, 350, 40), over(QColor(0, 0, 200), dimming));
     QCOMPARE_COLOR(at(canvas, 399, 299), over(QColor(200, 0, 0), dimming));
-}
-
-void SelectionViewTest::liveDesktopIsDimmed()
-{
-    ViewFixture f(QSizeF(400, 300));
-    const QImage canvas = render(f.view, QColor(200, 200, 200));
-    QCOMPARE_COLOR(at(canvas, 200, 150), QColor(150, 150, 150));
 }
 
 void SelectionViewTest::selectionFillOutlineAndLabel()

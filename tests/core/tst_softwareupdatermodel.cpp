@@ -15,10 +15,8 @@ class SoftwareUpdaterModelTest : public QObject
 private slots:
     void previewsDoNotStartTheUpdater_data();
     void previewsDoNotStartTheUpdater();
-    void startsOnlyWhenAsked();
-    void mirrorsCanCheck();
+    void startsOnlyWhenAskedAndFollowsTheUpdater();
     void automaticChecksWriteThroughOnlyWhenDifferent();
-    void checkActivatesFirst();
     void versionDescription_data();
     void versionDescription();
     void lastCheckDescription();
@@ -46,23 +44,18 @@ void SoftwareUpdaterModelTest::previewsDoNotStartTheUpdater()
     qunsetenv("XCODE_RUNNING_FOR_PREVIEWS");
 }
 
-void SoftwareUpdaterModelTest::startsOnlyWhenAsked()
+void SoftwareUpdaterModelTest::startsOnlyWhenAskedAndFollowsTheUpdater()
 {
-    FakeSoftwareUpdater updater;
-    FakeApplicationControl application;
+    QStringList journal;
+    FakeSoftwareUpdater updater(&journal);
+    FakeApplicationControl application(&journal);
     SoftwareUpdaterModel notStarted(updater, application, false);
-    QCOMPARE(updater.startCount, 0);
-    SoftwareUpdaterModel started(updater, application, true);
-    QCOMPARE(updater.startCount, 1);
-}
-
-void SoftwareUpdaterModelTest::mirrorsCanCheck()
-{
-    FakeSoftwareUpdater updater;
-    FakeApplicationControl application;
+    QVERIFY(journal.isEmpty());
     SoftwareUpdaterModel model(updater, application, true);
-    QVERIFY(model.canCheckForUpdates());
-    updater.setCanCheck(false); // a check is running
+    model.checkForUpdates();
+    QCOMPARE(journal, (QStringList{u"updater.start"_s, u"application.activate"_s, u"updater.checkForUpdates"_s}));
+    // Whether a check may start follows the updater (false while one is running).
+    updater.setCanCheck(false);
     QVERIFY(!model.canCheckForUpdates());
     updater.setCanCheck(true);
     QVERIFY(model.canCheckForUpdates());
@@ -80,16 +73,6 @@ void SoftwareUpdaterModelTest::automaticChecksWriteThroughOnlyWhenDifferent()
     model.setAutomaticallyChecksForUpdates(true);
     QCOMPARE(updater.automaticWrites, 1);
     QVERIFY(updater.automatic);
-}
-
-void SoftwareUpdaterModelTest::checkActivatesFirst()
-{
-    QStringList journal;
-    FakeSoftwareUpdater updater(&journal);
-    FakeApplicationControl application(&journal);
-    SoftwareUpdaterModel model(updater, application, true);
-    model.checkForUpdates();
-    QCOMPARE(journal, (QStringList{u"updater.start"_s, u"application.activate"_s, u"updater.checkForUpdates"_s}));
 }
 
 void SoftwareUpdaterModelTest::versionDescription_data()

@@ -10,11 +10,7 @@ public:
     explicit FakeSoftwareUpdater(QStringList *journal = nullptr) : m_journal(journal) {}
 
     std::optional<QString> unavailableReason() const override { return reason; }
-    void start() override
-    {
-        ++startCount;
-        record(QStringLiteral("updater.start"));
-    }
+    void start() override { record(QStringLiteral("updater.start")); }
     bool canCheckForUpdates() const override { return canCheck; }
     void observeCanCheckForUpdates(std::function<void(bool)> observer) override { canCheckObserver = std::move(observer); }
     bool automaticallyChecksForUpdates() const override { return automatic; }
@@ -39,7 +35,6 @@ public:
     bool automatic = true;
     std::optional<QDateTime> lastCheck;
     std::function<void(bool)> canCheckObserver;
-    int startCount = 0;
     int automaticWrites = 0;
 
 private:

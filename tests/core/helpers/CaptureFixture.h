@@ -108,11 +108,8 @@ struct CaptureFixture
     QStringList lines() const { return diagnostics.lines(); }
     QStringList linesStartingWith(const QString &prefix) const
     {
-        QStringList found;
-        for (const QString &line : diagnostics.lines()) {
-            if (line.startsWith(prefix))
-                found.append(line);
-        }
+        QStringList found = lines();
+        found.removeIf([&prefix](const QString &line) { return !line.startsWith(prefix); });
         return found;
     }
 };

@@ -57,11 +57,14 @@ struct ViewFixture
     SelectionView view{Rect(QPointF(0, 0), size), &delegate, cursor, displays};
 };
 
-// Paints the view into an image the way a window does: the painter flipped to the view's y-up space.
-inline QImage render(const SelectionView &view, QColor behind = QColor(200, 200, 200))
+// Paints the view into an image the way a window does: the painter flipped to the view's y-up space, on a
+// canvas of `scale` device pixels per point.
+inline QImage render(const SelectionView &view, QColor behind = QColor(200, 200, 200), double scale = 1)
 {
     const Rect bounds = view.bounds();
-    QImage canvas(int(bounds.width()), int(bounds.height()), QImage::Format_ARGB32_Premultiplied);
+    QImage canvas(QSize(int(bounds.width() * scale), int(bounds.height() * scale)),
+                  QImage::Format_ARGB32_Premultiplied);
+    canvas.setDevicePixelRatio(scale);
     canvas.fill(behind);
     QPainter painter(&canvas);
     painter.translate(0, bounds.height());
@@ -69,4 +72,3 @@ inline QImage render(const SelectionView &view, QColor behind = QColor(200, 200,
     view.draw(painter);
     return canvas;
 }
-
