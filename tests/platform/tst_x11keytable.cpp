@@ -80,8 +80,7 @@ void X11KeyTableTest::modifierWordBecomesTheXMask_data()
 void X11KeyTableTest::modifierWordBecomesTheXMask()
 {
     QFETCH(quint32, carbon);
-    QFETCH(quint16, mask);
-    QCOMPARE(x11keys::modifierMask(carbon), mask);
+    QTEST(x11keys::modifierMask(carbon), "mask");
 }
 
 QTEST_APPLESS_MAIN(X11KeyTableTest)
