@@ -47,8 +47,9 @@ Connection grabAsAnotherClient()
         return Connection(nullptr, &xcb_disconnect);
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(other.get())).data->root;
     const xcb_keycode_t keycodeOfS = 39;
-    xcb_generic_error_t *error = xcb_request_check(other.get(), xcb_grab_key_checked(other.get(), 1, root, 0x41, keycodeOfS,
-                                                                              XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+    const xcb_void_cookie_t grab =
+        xcb_grab_key_checked(other.get(), 1, root, 0x41, keycodeOfS, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    xcb_generic_error_t *error = xcb_request_check(other.get(), grab);
     if (!error)
         return other;
     std::free(error);
@@ -153,7 +154,8 @@ void X11HotKeyRegistrarTest::keyHeldByAnotherClientFailsAndIsLeftAlone()
     const Connection other = grabAsAnotherClient();
     QVERIFY(other);
     const auto registrar = listeningRegistrar();
-    QCOMPARE(registrar->registerHotKey(keyS, shiftCommand, {signature, 1}).status, HotKeyRegistrar::Status(10)); // BadAccess
+    // BadAccess
+    QCOMPARE(registrar->registerHotKey(keyS, shiftCommand, {signature, 1}).status, HotKeyRegistrar::Status(10));
 
     // The lock-key variants we did get were given back: with Caps Lock on, nobody takes the press.
     QVERIFY(pressKeys(u"Caps_Lock"_s));

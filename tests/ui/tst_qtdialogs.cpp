@@ -113,7 +113,6 @@ void QtDialogsTest::offerTellsWhichButtonWasChosen_data()
 void QtDialogsTest::offerTellsWhichButtonWasChosen()
 {
     QFETCH(int, button);
-    QFETCH(bool, accepted);
     QStringList seen;
     whenShown<QMessageBox>([&](QMessageBox *box) {
         seen << box->text() << box->informativeText() << box->defaultButton()->text();
@@ -123,7 +122,7 @@ void QtDialogsTest::offerTellsWhichButtonWasChosen()
                 candidate->click();
     });
     QtUpdateUserDriver driver;
-    QCOMPARE(driver.runModalOffer(u"新しい"_s, u"説明"_s, u"開く"_s, u"あとで"_s), accepted);
+    QTEST(driver.runModalOffer(u"新しい"_s, u"説明"_s, u"開く"_s, u"あとで"_s), "accepted");
     QCOMPARE(seen, (QStringList{u"新しい"_s, u"説明"_s, u"開く"_s}));
 }
 
