@@ -53,20 +53,19 @@ void MacMappingsTest::clickEventFromTheCurrentEvent_data()
     QTest::addColumn<quint64>("modifiers");
     QTest::addColumn<Type>("type");
     QTest::addColumn<bool>("controlHeld");
-    QTest::addColumn<bool>("opensMenu");
     const quint64 left = macmappings::leftMouseUpEventType;
     const quint64 right = macmappings::rightMouseUpEventType;
     const quint64 control = macmappings::controlModifierFlag;
-    QTest::newRow("plain left click") << left << quint64(0) << Type::LeftMouseUp << false << false;
-    QTest::newRow("left click with control") << left << control << Type::LeftMouseUp << true << true;
+    QTest::newRow("plain left click") << left << quint64(0) << Type::LeftMouseUp << false;
+    QTest::newRow("left click with control") << left << control << Type::LeftMouseUp << true;
     QTest::newRow("control among other modifiers")
-        << left << (shift | control | command) << Type::LeftMouseUp << true << true;
+        << left << (shift | control | command) << Type::LeftMouseUp << true;
     QTest::newRow("command, shift and option are no control")
-        << left << (shift | option | command) << Type::LeftMouseUp << false << false;
-    QTest::newRow("right click") << right << quint64(0) << Type::RightMouseUp << false << true;
-    QTest::newRow("right click with control") << right << control << Type::RightMouseUp << true << true;
-    QTest::newRow("mouse-down is another event") << leftMouseDown << control << Type::Other << true << false;
-    QTest::newRow("a key is another event") << keyDown << quint64(0) << Type::Other << false << false;
+        << left << (shift | option | command) << Type::LeftMouseUp << false;
+    QTest::newRow("right click") << right << quint64(0) << Type::RightMouseUp << false;
+    QTest::newRow("right click with control") << right << control << Type::RightMouseUp << true;
+    QTest::newRow("mouse-down is another event") << leftMouseDown << control << Type::Other << true;
+    QTest::newRow("a key is another event") << keyDown << quint64(0) << Type::Other << false;
 }
 
 void MacMappingsTest::clickEventFromTheCurrentEvent()
@@ -75,13 +74,9 @@ void MacMappingsTest::clickEventFromTheCurrentEvent()
     QFETCH(quint64, modifiers);
     QFETCH(Type, type);
     QFETCH(bool, controlHeld);
-    QFETCH(bool, opensMenu);
     const StatusItem::ClickEvent click = macmappings::statusItemClick(eventType, modifiers);
     QCOMPARE(click.type, type);
     QCOMPARE(click.controlHeld, controlHeld);
-    // The controller's rule, fed with what the adapter reads: secondary clicks open the menu.
-    const bool secondary = click.type == Type::RightMouseUp || (click.type == Type::LeftMouseUp && click.controlHeld);
-    QCOMPARE(secondary, opensMenu);
 }
 
 void MacMappingsTest::loginItemStatusFromTheServiceStatus_data()
@@ -99,8 +94,7 @@ void MacMappingsTest::loginItemStatusFromTheServiceStatus_data()
 void MacMappingsTest::loginItemStatusFromTheServiceStatus()
 {
     QFETCH(qint64, raw);
-    QFETCH(Status, status);
-    QCOMPARE(macmappings::loginItemStatus(raw), status);
+    QTEST(macmappings::loginItemStatus(raw), "status");
 }
 
 void MacMappingsTest::storedNumbersKeepTheirKind_data()
@@ -123,8 +117,7 @@ void MacMappingsTest::storedNumbersKeepTheirKind()
 {
     QFETCH(char, objCType);
     QFETCH(bool, booleanSingleton);
-    QFETCH(NumberKind, kind);
-    QCOMPARE(macmappings::numberKind(objCType, booleanSingleton), kind);
+    QTEST(macmappings::numberKind(objCType, booleanSingleton), "kind");
 }
 
 void MacMappingsTest::valuesBecomeNumbersOfTheirKind_data()
@@ -146,8 +139,7 @@ void MacMappingsTest::valuesBecomeNumbersOfTheirKind_data()
 void MacMappingsTest::valuesBecomeNumbersOfTheirKind()
 {
     QFETCH(QVariant, value);
-    QFETCH(std::optional<NumberKind>, kind);
-    QCOMPARE(macmappings::numberKindOf(value), kind);
+    QTEST(macmappings::numberKindOf(value), "kind");
 }
 
 void MacMappingsTest::diagnosticsFolderIsUnderLibraryLogs_data()
@@ -169,8 +161,7 @@ void MacMappingsTest::diagnosticsFolderIsUnderLibraryLogs()
 {
     QFETCH(std::optional<QString>, library);
     QFETCH(QString, home);
-    QFETCH(QString, folder);
-    QCOMPARE(macmappings::diagnosticsLogFolder(library, home), folder);
+    QTEST(macmappings::diagnosticsLogFolder(library, home), "folder");
 }
 
 void MacMappingsTest::updatesNeedFrameworkFeedAndKey_data()

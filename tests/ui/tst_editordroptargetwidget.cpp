@@ -26,24 +26,25 @@ struct Fixture
         widget.show();
     }
 
-    bool enter(const QMimeData &data)
+    // A drag of `urls` (none: of text) entering the widget, dropped there when `drops`.
+    bool drag(const QList<QUrl> &urls, bool drops = false)
     {
-        QDragEnterEvent event(widget.rect().center(), Qt::CopyAction, &data, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(&widget, &event);
-        return event.isAccepted();
-    }
-    bool drop(const QMimeData &data)
-    {
-        QDropEvent event(widget.rect().center(), Qt::CopyAction, &data, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(&widget, &event);
+        QMimeData data;
+        if (urls.isEmpty())
+            data.setText(u"not a file"_s);
+        else
+            data.setUrls(urls);
+        QDragEnterEvent enter(widget.rect().center(), Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&widget, &enter);
+        if (!drops)
+            return enter.isAccepted();
+        QDropEvent drop(widget.rect().center(), Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&widget, &drop);
         scheduler.runUntilIdle();
-        return event.isAccepted();
+        return enter.isAccepted() && drop.isAccepted();
     }
     // The panel's colour as painted, at a point inside the panel away from the texts.
-    QColor panelPixel()
-    {
-        return widget.grab().toImage().pixelColor(30, 30);
-    }
+    QColor panelPixel() { return widget.grab().toImage().pixelColor(30, 30); }
 
     FakeScheduler scheduler;
     std::shared_ptr<EditorDropTargetView> view = std::make_shared<EditorDropTargetView>(scheduler);
@@ -52,16 +53,6 @@ struct Fixture
     QStringList calls;
 };
 
-QMimeData *files(const QStringList &paths)
-{
-    auto *data = new QMimeData;
-    QList<QUrl> urls;
-    for (const QString &path : paths)
-        urls.append(QUrl::fromLocalFile(path));
-    data->setUrls(urls);
-    return data;
-}
-
 } // namespace
 
 class EditorDropTargetWidgetTest : public QObject
@@ -69,16 +60,17 @@ class EditorDropTargetWidgetTest : public QObject
     Q_OBJECT
 
 private slots:
-    void showsTheSymbolTextsAndButtons();
-    void buttonsAndKeysReachTheCallbacks();
+    void showsTheTextsAndButtonsThatReachTheCallbacks();
     void panelIsTintedWhileAFileHovers();
-    void dropOpensTheFirstFileOnly();
-    void refusesWhatIsNoFile();
+    void dropsOpenALocalFileOnly_data();
+    void dropsOpenALocalFileOnly();
 };
 
-void EditorDropTargetWidgetTest::showsTheSymbolTextsAndButtons()
+void EditorDropTargetWidgetTest::showsTheTextsAndButtonsThatReachTheCallbacks()
 {
     Fixture f;
+    f.widget.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&f.widget));
     QStringList texts;
     bool hasSymbol = false;
     for (const QLabel *label : f.widget.findChildren<QLabel *>()) {
@@ -90,18 +82,11 @@ void EditorDropTargetWidgetTest::showsTheSymbolTextsAndButtons()
     QVERIFY(hasSymbol);
     QCOMPARE(texts, (QStringList{u"画像をドラッグ＆ドロップ"_s, u"または「画像を選択」から開いて編集"_s}));
     QStringList titles;
-    for (const QPushButton *button : f.widget.findChildren<QPushButton *>())
+    for (QPushButton *button : f.widget.findChildren<QPushButton *>()) {
         titles.append(button->text() + (button->isDefault() ? u"*"_s : QString()));
-    QCOMPARE(titles, (QStringList{u"画像を選択*"_s, u"クリップボードから貼り付け"_s, u"キャンセル"_s}));
-}
-
-void EditorDropTargetWidgetTest::buttonsAndKeysReachTheCallbacks()
-{
-    Fixture f;
-    f.widget.activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(&f.widget));
-    for (QPushButton *button : f.widget.findChildren<QPushButton *>())
         button->click();
+    }
+    QCOMPARE(titles, (QStringList{u"画像を選択*"_s, u"クリップボードから貼り付け"_s, u"キャンセル"_s}));
     QCOMPARE(f.calls, (QStringList{u"pick"_s, u"paste"_s, u"cancel"_s}));
     f.calls.clear();
     QTest::keyClick(f.widget.windowHandle(), Qt::Key_V, Qt::ControlModifier);
@@ -116,11 +101,9 @@ void EditorDropTargetWidgetTest::panelIsTintedWhileAFileHovers()
     QVERIFY(QTest::qWaitForWindowExposed(&f.widget));
     const QColor resting = f.panelPixel();
     const QColor restingFill = f.widget.panelColor();
-    std::unique_ptr<QMimeData> data(files({u"/tmp/a.png"_s}));
-    QVERIFY(f.enter(*data));
+    QVERIFY(f.drag({QUrl::fromLocalFile(u"/tmp/a.png"_s)}));
     QVERIFY(f.view->isTargeted());
-    const QColor tinted = f.panelPixel();
-    QVERIFY(tinted != resting);
+    QVERIFY(f.panelPixel() != resting);
     // The accent colour at 0.18 (alpha is kept in 16 bits).
     QCOMPARE(f.widget.panelColor().rgb(), f.widget.palette().color(QPalette::Highlight).rgb());
     QVERIFY(qAbs(f.widget.panelColor().alphaF() - 0.18) < 0.001);
@@ -130,29 +113,24 @@ void EditorDropTargetWidgetTest::panelIsTintedWhileAFileHovers()
     QCOMPARE(f.widget.panelColor(), restingFill);
 }
 
-void EditorDropTargetWidgetTest::dropOpensTheFirstFileOnly()
+void EditorDropTargetWidgetTest::dropsOpenALocalFileOnly_data()
 {
-    Fixture f;
-    std::unique_ptr<QMimeData> data(files({u"/tmp/first.png"_s, u"/tmp/second.png"_s}));
-    QVERIFY(f.enter(*data));
-    QVERIFY(f.drop(*data));
-    QCOMPARE(f.opened, QList<QUrl>{QUrl::fromLocalFile(u"/tmp/first.png"_s)});
-    QVERIFY(!f.view->isTargeted());
+    QTest::addColumn<QList<QUrl>>("urls");
+    QTest::addColumn<bool>("accepted");
+    const QUrl first = QUrl::fromLocalFile(u"/tmp/first.png"_s);
+    QTest::newRow("the first of two files") << QList<QUrl>{first, QUrl::fromLocalFile(u"/tmp/second.png"_s)} << true;
+    QTest::newRow("text") << QList<QUrl>() << false;
+    QTest::newRow("a web address") << QList<QUrl>{QUrl(u"https://example.org/picture.png"_s)} << false;
 }
 
-void EditorDropTargetWidgetTest::refusesWhatIsNoFile()
+void EditorDropTargetWidgetTest::dropsOpenALocalFileOnly()
 {
+    QFETCH(QList<QUrl>, urls);
+    QFETCH(bool, accepted);
     Fixture f;
-    QMimeData text;
-    text.setText(u"not a file"_s);
-    QVERIFY(!f.enter(text));
+    QCOMPARE(f.drag(urls, true), accepted);
+    QCOMPARE(f.opened, accepted ? QList<QUrl>{urls.first()} : QList<QUrl>());
     QVERIFY(!f.view->isTargeted());
-    QVERIFY(!f.drop(text));
-    QMimeData web;
-    web.setUrls({QUrl(u"https://example.org/picture.png"_s)});
-    QVERIFY(!f.enter(web));
-    QVERIFY(!f.drop(web));
-    QVERIFY(f.opened.isEmpty());
 }
 
 QTEST_MAIN(EditorDropTargetWidgetTest)

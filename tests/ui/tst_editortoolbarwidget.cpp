@@ -36,8 +36,7 @@ private slots:
     void toolsModeAndActionsFollowTheDocument();
     void swatchesPickAndMarkTheColour();
     void styleControlsRestyleTheSelectedBox();
-    void returnSavesTheFlattenedPicture();
-    void editingKeysReachTheDocument();
+    void keysReachTheDocument();
 };
 
 void EditorToolbarWidgetTest::showsTheToolbarAsTheViewDescribesIt()
@@ -154,7 +153,7 @@ void EditorToolbarWidgetTest::styleControlsRestyleTheSelectedBox()
     QCOMPARE(toolbar->fontSizeBox()->value(), 20);
 }
 
-void EditorToolbarWidgetTest::returnSavesTheFlattenedPicture()
+void EditorToolbarWidgetTest::keysReachTheDocument()
 {
     EditorWidgetFixture f;
     QVERIFY(f.isReady());
@@ -162,24 +161,6 @@ void EditorToolbarWidgetTest::returnSavesTheFlattenedPicture()
     int cancelled = 0;
     f.view->onSave = [&saved](const QImage &image) { saved.append(image); };
     f.view->onCancel = [&cancelled] { ++cancelled; };
-    f.drag({{20, 20}, {120, 80}});
-
-    f.key(Qt::Key_Return);
-    QCOMPARE(saved.size(), 1);
-    const QImage expected = f.model->renderEditedImage();
-    QCOMPARE(saved.first().convertToFormat(QImage::Format_ARGB32), expected.convertToFormat(QImage::Format_ARGB32));
-    QVERIFY(saved.first() != EditorWidgetFixture::picture().convertToFormat(saved.first().format()));
-    f.key(Qt::Key_Enter, Qt::KeypadModifier);
-    QCOMPARE(saved.size(), 2);
-    f.widget.cancelButton()->click();
-    QCOMPARE(cancelled, 1);
-    QCOMPARE(saved.size(), 2);
-}
-
-void EditorToolbarWidgetTest::editingKeysReachTheDocument()
-{
-    EditorWidgetFixture f;
-    QVERIFY(f.isReady());
     f.drag({{20, 20}, {120, 80}});
     f.key(Qt::Key_Z, Qt::ControlModifier);
     QVERIFY(f.model->overlays().isEmpty());
@@ -196,6 +177,18 @@ void EditorToolbarWidgetTest::editingKeysReachTheDocument()
         f.key(Qt::Key_Z, Qt::ControlModifier);
         QCOMPARE(f.model->overlays().size(), 1);
     }
+
+    // Return and keypad Enter save the flattened picture; cancel saves nothing.
+    f.key(Qt::Key_Return);
+    QCOMPARE(saved.size(), 1);
+    QCOMPARE(saved.first().convertToFormat(QImage::Format_ARGB32),
+             f.model->renderEditedImage().convertToFormat(QImage::Format_ARGB32));
+    QVERIFY(saved.first() != EditorWidgetFixture::picture().convertToFormat(saved.first().format()));
+    f.key(Qt::Key_Enter, Qt::KeypadModifier);
+    QCOMPARE(saved.size(), 2);
+    f.widget.cancelButton()->click();
+    QCOMPARE(cancelled, 1);
+    QCOMPARE(saved.size(), 2);
 }
 
 QTEST_MAIN(EditorToolbarWidgetTest)

@@ -36,18 +36,25 @@ class QtDialogsTest : public QObject
     Q_OBJECT
 
 private slots:
+    void folderChooserOffersFoldersOnly_data();
     void folderChooserOffersFoldersOnly();
-    void folderChooserCancelled();
+    void openPanelOffersOneImage_data();
+    void openPanelOffersOneImage();
     void offerTellsWhichButtonWasChosen_data();
     void offerTellsWhichButtonWasChosen();
-    void noticeShowsItsTexts();
-    void alertShowsItsTexts();
-    void openPanelOffersOneImage();
-    void openPanelCancelled();
+    void noticeAndAlertShowTheirTexts();
 };
+
+void QtDialogsTest::folderChooserOffersFoldersOnly_data()
+{
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("chosen") << true;
+    QTest::newRow("cancelled") << false;
+}
 
 void QtDialogsTest::folderChooserOffersFoldersOnly()
 {
+    QFETCH(bool, accepted);
     QTemporaryDir folder;
     QVERIFY(QDir(folder.path()).mkdir(u"shots"_s));
     QString prompt;
@@ -56,20 +63,43 @@ void QtDialogsTest::folderChooserOffersFoldersOnly()
         prompt = dialog->labelText(QFileDialog::Accept);
         mode = dialog->fileMode();
         dialog->selectFile(folder.filePath(u"shots"_s));
-        QMetaObject::invokeMethod(dialog, "accept");
+        QMetaObject::invokeMethod(dialog, accepted ? "accept" : "reject");
     });
     QtFolderChooser chooser;
-    const std::optional<QString> chosen = chooser.chooseFolder(folder.path(), u"選択"_s);
+    QCOMPARE(chooser.chooseFolder(folder.path(), u"選択"_s),
+             accepted ? std::optional(folder.filePath(u"shots"_s)) : std::nullopt);
     QCOMPARE(prompt, u"選択"_s);
     QCOMPARE(mode, QFileDialog::Directory);
-    QCOMPARE(chosen, folder.filePath(u"shots"_s));
 }
 
-void QtDialogsTest::folderChooserCancelled()
+void QtDialogsTest::openPanelOffersOneImage_data()
 {
-    whenShown<QFileDialog>([](QFileDialog *dialog) { dialog->reject(); });
-    QtFolderChooser chooser;
-    QCOMPARE(chooser.chooseFolder(QDir::tempPath(), u"選択"_s), std::nullopt);
+    folderChooserOffersFoldersOnly_data();
+}
+
+void QtDialogsTest::openPanelOffersOneImage()
+{
+    QFETCH(bool, accepted);
+    QTemporaryDir folder;
+    const QString picture = folder.filePath(u"shot.png"_s);
+    QImage(4, 4, QImage::Format_RGB32).save(picture);
+    QString prompt;
+    QFileDialog::FileMode mode = QFileDialog::Directory;
+    QStringList filters;
+    whenShown<QFileDialog>([&](QFileDialog *dialog) {
+        prompt = dialog->labelText(QFileDialog::Accept);
+        mode = dialog->fileMode();
+        filters = dialog->mimeTypeFilters();
+        dialog->selectFile(picture);
+        QMetaObject::invokeMethod(dialog, accepted ? "accept" : "reject");
+    });
+    QtOpenPanel panel;
+    const OpenPanel::Request request = EditorImageSources::imagePanelRequest();
+    QCOMPARE(panel.runModal(request), accepted ? std::optional(QUrl::fromLocalFile(picture)) : std::nullopt);
+    QCOMPARE(prompt, u"開く"_s);
+    QCOMPARE(mode, QFileDialog::ExistingFile);
+    QCOMPARE(filters, request.allowedContentTypes);
+    QVERIFY(filters.contains(u"image/png"_s));
 }
 
 void QtDialogsTest::offerTellsWhichButtonWasChosen_data()
@@ -83,7 +113,6 @@ void QtDialogsTest::offerTellsWhichButtonWasChosen_data()
 void QtDialogsTest::offerTellsWhichButtonWasChosen()
 {
     QFETCH(int, button);
-    QFETCH(bool, accepted);
     QStringList seen;
     whenShown<QMessageBox>([&](QMessageBox *box) {
         seen << box->text() << box->informativeText() << box->defaultButton()->text();
@@ -93,64 +122,23 @@ void QtDialogsTest::offerTellsWhichButtonWasChosen()
                 candidate->click();
     });
     QtUpdateUserDriver driver;
-    QCOMPARE(driver.runModalOffer(u"新しい"_s, u"説明"_s, u"開く"_s, u"あとで"_s), accepted);
+    QTEST(driver.runModalOffer(u"新しい"_s, u"説明"_s, u"開く"_s, u"あとで"_s), "accepted");
     QCOMPARE(seen, (QStringList{u"新しい"_s, u"説明"_s, u"開く"_s}));
 }
 
-void QtDialogsTest::noticeShowsItsTexts()
+void QtDialogsTest::noticeAndAlertShowTheirTexts()
 {
     QStringList seen;
-    whenShown<QMessageBox>([&](QMessageBox *box) {
-        seen << box->windowTitle() << box->text() << box->informativeText();
-        box->accept();
-    });
-    QtUpdateUserDriver driver;
-    driver.runModalNotice(u"最新のバージョンです"_s, u"Vistrel 1.0"_s);
-    QCOMPARE(seen, (QStringList{u"Vistrel"_s, u"最新のバージョンです"_s, u"Vistrel 1.0"_s}));
-}
-
-void QtDialogsTest::alertShowsItsTexts()
-{
-    QStringList seen;
-    whenShown<QMessageBox>([&](QMessageBox *box) {
+    const auto answer = [&seen](QMessageBox *box) {
         seen << box->windowTitle() << box->text() << box->informativeText() << QString::number(box->buttons().size());
         box->accept();
-    });
-    QtAlertPresenter alerts;
-    alerts.runModalAlert(u"画像を開けませんでした"_s, u"対応している画像ファイルを選択してください。"_s);
-    QCOMPARE(seen, (QStringList{u"Vistrel"_s, u"画像を開けませんでした"_s, u"対応している画像ファイルを選択してください。"_s,
-                                u"1"_s}));
-}
-
-void QtDialogsTest::openPanelOffersOneImage()
-{
-    QTemporaryDir folder;
-    const QString picture = folder.filePath(u"shot.png"_s);
-    QImage(4, 4, QImage::Format_RGB32).save(picture);
-    QString prompt;
-    QFileDialog::FileMode mode = QFileDialog::Directory;
-    QStringList filters;
-    whenShown<QFileDialog>([&](QFileDialog *dialog) {
-        prompt = dialog->labelText(QFileDialog::Accept);
-        mode = dialog->fileMode();
-        filters = dialog->mimeTypeFilters();
-        dialog->selectFile(picture);
-        QMetaObject::invokeMethod(dialog, "accept");
-    });
-    QtOpenPanel panel;
-    const OpenPanel::Request request = EditorImageSources::imagePanelRequest();
-    QCOMPARE(panel.runModal(request), QUrl::fromLocalFile(picture));
-    QCOMPARE(prompt, u"開く"_s);
-    QCOMPARE(mode, QFileDialog::ExistingFile);
-    QCOMPARE(filters, request.allowedContentTypes);
-    QVERIFY(filters.contains(u"image/png"_s));
-}
-
-void QtDialogsTest::openPanelCancelled()
-{
-    whenShown<QFileDialog>([](QFileDialog *dialog) { dialog->reject(); });
-    QtOpenPanel panel;
-    QCOMPARE(panel.runModal(EditorImageSources::imagePanelRequest()), std::nullopt);
+    };
+    whenShown<QMessageBox>(answer);
+    QtUpdateUserDriver().runModalNotice(u"最新のバージョンです"_s, u"Vistrel 1.0"_s);
+    whenShown<QMessageBox>(answer);
+    QtAlertPresenter().runModalAlert(u"画像を開けませんでした"_s, u"対応している画像ファイルを選択してください。"_s);
+    QCOMPARE(seen, (QStringList{u"Vistrel"_s, u"最新のバージョンです"_s, u"Vistrel 1.0"_s, u"1"_s, u"Vistrel"_s,
+                                u"画像を開けませんでした"_s, u"対応している画像ファイルを選択してください。"_s, u"1"_s}));
 }
 
 QTEST_MAIN(QtDialogsTest)

@@ -51,10 +51,11 @@ expect("still no Dock icon", sparkle.get("LSUIElement"), True)
 blank = write("blank.plist", FEED_URL="   ", PUBLIC_ED_KEY="")
 expect("a blank feed is none", "SUFeedURL" in blank, False)
 
-refused = subprocess.run([cmake, f"-DTEMPLATE={template}", f"-DOUTPUT={os.path.join(workdir, 'refused.plist')}",
-                          "-DEXECUTABLE=Vistrel", "-DIDENTIFIER=", "-DSHORT_VERSION=1", "-DBUILD_VERSION=1",
-                          "-DMINIMUM_SYSTEM=14.0", "-P", module], capture_output=True)
-expect("an empty identifier stops the build", refused.returncode != 0, True)
+try:
+    write("refused.plist", IDENTIFIER="")
+    expect("an empty identifier stops the build", "written", "refused")
+except subprocess.CalledProcessError:
+    pass
 
 for failure in failures:
     print("FAIL:", failure)
