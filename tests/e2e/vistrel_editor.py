@@ -9,6 +9,7 @@ from vistrel_e2e import *  # noqa: F401,F403 - the helpers of these tests
 
 HELPERS = os.path.dirname(PROBE)
 OUTPUT = os.environ.get("VISTREL_E2E_OUTPUT", SESSION)
+os.makedirs(OUTPUT, exist_ok=True)
 BORDER = (1, 254, 3)
 PICTURES = os.path.join(HOME, "Pictures")
 
