@@ -70,10 +70,10 @@ static xcb_keysym_t keysymOf(const char *name)
 }
 
 // Resolves "shift+super+s" into key codes; the count, or -1.
-static int keyCodes(const char *spec, xcb_keycode_t *codes)
+static int keyCodes(const char *combination, xcb_keycode_t *codes)
 {
     char copy[128];
-    snprintf(copy, sizeof copy, "%s", spec);
+    snprintf(copy, sizeof copy, "%s", combination);
     xcb_key_symbols_t *symbols = xcb_key_symbols_alloc(connection);
     int count = 0;
     for (char *save = NULL, *part = strtok_r(copy, "+", &save); part && count < maxKeys;
