@@ -15,7 +15,7 @@ test=(libxcb-xfixes0-dev libxcb-xkb-dev xvfb xauth openbox dunst dbus dbus-x11 x
       imagemagick python3 python3-pil python3-dbus python3-gi trayer at-spi2-core gir1.2-atspi-2.0
       desktop-file-utils)
 run=(xdg-utils)
-bench=(scrot maim flameshot kde-spectacle imagemagick hyperfine time)
+bench=(scrot maim flameshot kde-spectacle imagemagick hyperfine time xrestop)
 
 groups=("$@")
 [ ${#groups[@]} -gt 0 ] || groups=(build)
