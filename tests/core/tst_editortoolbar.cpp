@@ -14,6 +14,10 @@ using namespace editorstyle;
 
 using Control = std::function<void(EditorToolbar &toolbar, const Overlay &selected)>;
 Q_DECLARE_METATYPE(Control)
+using Setup = std::function<void(EditorViewFixture &f)>;
+Q_DECLARE_METATYPE(Setup)
+enum class Action { Undo, Redo, Delete };
+Q_DECLARE_METATYPE(Action)
 
 namespace {
 
@@ -54,6 +58,8 @@ private slots:
     void fontBindingsFollowTheSelection();
     void textIsOneUndoStepPerChange();
     void actionStatesFollowTheDocument();
+    void disabledActionsChangeNothing_data();
+    void disabledActionsChangeNothing();
 };
 
 void EditorToolbarTest::opacityIsRoundedIntoRange_data()
@@ -303,6 +309,63 @@ void EditorToolbarTest::actionStatesFollowTheDocument()
     toolbar.deleteSelected();
     QCOMPARE(states(), (QList<bool>{true, false, false}));
     QVERIFY(f.model->indexOfOverlay(box.id) == std::nullopt);
+}
+
+void EditorToolbarTest::disabledActionsChangeNothing_data()
+{
+    QTest::addColumn<Setup>("setup");
+    QTest::addColumn<Action>("action");
+    const auto drawn = [](EditorViewFixture &f) { f.add(EditorTool::Rectangle, {10, 10}, {60, 60}); };
+    QTest::newRow("undo on a fresh document") << Setup([](EditorViewFixture &) {}) << Action::Undo;
+    QTest::newRow("undo with the history used up") << Setup([drawn](EditorViewFixture &f) {
+        drawn(f);
+        f.view.toolbar().undo();
+    }) << Action::Undo;
+    QTest::newRow("redo with nothing undone") << Setup(drawn) << Action::Redo;
+    QTest::newRow("redo after a new change") << Setup([drawn](EditorViewFixture &f) {
+        drawn(f);
+        f.view.toolbar().undo();
+        drawn(f);
+    }) << Action::Redo;
+    QTest::newRow("delete with nothing selected") << Setup(drawn) << Action::Delete;
+    QTest::newRow("delete of a selection undone away") << Setup([drawn](EditorViewFixture &f) {
+        drawn(f);
+        f.add(EditorTool::Rectangle, {100, 100}, {200, 200});
+        f.editMode();
+        f.click(f.at(150, 150));
+        f.view.toolbar().undo();
+    }) << Action::Delete;
+}
+
+void EditorToolbarTest::disabledActionsChangeNothing()
+{
+    QFETCH(Setup, setup);
+    QFETCH(Action, action);
+    EditorViewFixture f;
+    setup(f);
+    EditorToolbar &toolbar = f.view.toolbar();
+    const EditorToolbar::ActionButton button = action == Action::Undo   ? toolbar.undoButton()
+                                               : action == Action::Redo ? toolbar.redoButton()
+                                                                        : toolbar.deleteButton();
+    QVERIFY(!button.isEnabled);
+    const QList<Overlay> overlays = f.model->overlays();
+    const QList<ImageEditorModel::Snapshot> undoStack = f.model->undoStack();
+    const QList<ImageEditorModel::Snapshot> redoStack = f.model->redoStack();
+    const std::optional<QUuid> selection = f.interaction().selectedOverlayID();
+
+    // The keys reach these as the buttons do.
+    (toolbar.*(action == Action::Undo ? &EditorToolbar::undo
+               : action == Action::Redo ? &EditorToolbar::redo
+                                        : &EditorToolbar::deleteSelected))();
+    QCOMPARE(f.model->overlays(), overlays);
+    QCOMPARE(f.model->undoStack(), undoStack);
+    QCOMPARE(f.model->redoStack(), redoStack);
+    QCOMPARE(f.interaction().selectedOverlayID(), selection);
+    // What was undone can still be brought back.
+    if (!redoStack.isEmpty()) {
+        toolbar.redo();
+        QCOMPARE(f.model->overlays(), redoStack.last());
+    }
 }
 
 QTEST_MAIN(EditorToolbarTest)

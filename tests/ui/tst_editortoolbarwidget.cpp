@@ -168,8 +168,9 @@ void EditorToolbarWidgetTest::keysReachTheDocument()
     QCOMPARE(f.model->overlays().size(), 1);
 
     f.widget.toolbar()->editModeButton()->click();
-    for (const auto &[key, modifiers] : QList<std::pair<Qt::Key, Qt::KeyboardModifiers>>{
-             {Qt::Key_Delete, {}}, {Qt::Key_Delete, Qt::ControlModifier}, {Qt::Key_Backspace, Qt::ControlModifier}}) {
+    const QList<std::pair<Qt::Key, Qt::KeyboardModifiers>> deleteKeys{
+        {Qt::Key_Delete, {}}, {Qt::Key_Delete, Qt::ControlModifier}, {Qt::Key_Backspace, Qt::ControlModifier}};
+    for (const auto &[key, modifiers] : deleteKeys) {
         f.drag({{120, 50}});
         QVERIFY(f.view->interaction().selectedOverlayID());
         f.key(key, modifiers);
@@ -177,6 +178,14 @@ void EditorToolbarWidgetTest::keysReachTheDocument()
         f.key(Qt::Key_Z, Qt::ControlModifier);
         QCOMPARE(f.model->overlays().size(), 1);
     }
+    // The selected overlay undone away: delete is disabled, its keys leave the history alone.
+    f.drag({{120, 50}});
+    f.key(Qt::Key_Z, Qt::ControlModifier);
+    QVERIFY(!f.widget.toolbar()->deleteButton()->isEnabled());
+    for (const auto &[key, modifiers] : deleteKeys)
+        f.key(key, modifiers);
+    f.key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(f.model->overlays().size(), 1);
 
     // Return and keypad Enter save the flattened picture; cancel saves nothing.
     f.key(Qt::Key_Return);

@@ -112,19 +112,24 @@ EditorToolbar::ActionButton EditorToolbar::deleteButton() const
             m_interaction.selectedOverlay().has_value()};
 }
 
+// Keys and buttons both end here: an action whose button is disabled does nothing and records nothing.
+// A selection that undo took out of the document would otherwise record a step and forfeit the redo.
 void EditorToolbar::undo()
 {
-    m_model.undoLastAction();
+    if (undoButton().isEnabled)
+        m_model.undoLastAction();
 }
 
 void EditorToolbar::redo()
 {
-    m_model.redoLastAction();
+    if (redoButton().isEnabled)
+        m_model.redoLastAction();
 }
 
 void EditorToolbar::deleteSelected()
 {
-    m_interaction.deleteSelectedOverlay();
+    if (deleteButton().isEnabled)
+        m_interaction.deleteSelectedOverlay();
 }
 
 QList<EditorToolbar::Swatch> EditorToolbar::colorSwatches() const

@@ -83,6 +83,7 @@ public:
     ActionButton undoButton() const;
     ActionButton redoButton() const;
     ActionButton deleteButton() const;
+    // Each does nothing while its button is disabled.
     void undo();
     void redo();
     void deleteSelected();
