@@ -12,24 +12,26 @@ Q_DECLARE_METATYPE(EditorTool)
 
 namespace {
 
-// The canvas as the widget paints it.
-QImage paintedCanvas(const ImageEditorView &view)
+// The canvas as the widget paints it on a screen of `ratio` device pixels per point.
+QImage paintedCanvas(const ImageEditorView &view, double ratio = 1)
 {
-    const QSize size = view.viewport().zoomedCanvasSize().toSize();
+    const QSize size = (view.viewport().zoomedCanvasSize() * ratio).toSize();
     QImage canvas(size, QImage::Format_RGB32);
+    canvas.setDevicePixelRatio(ratio);
     canvas.fill(Qt::black);
     QPainter painter(&canvas);
     view.paintCanvas(painter);
     return canvas;
 }
 
-// A picture with some structure, so that mosaics and misplaced drawing show.
-QImage pattern()
+// A picture with some structure, so that mosaics and misplaced drawing show; `ratio` pixels per point.
+QImage pattern(double ratio = 1)
 {
     QImage image(200, 120, QImage::Format_RGB32);
     for (int y = 0; y < image.height(); ++y)
         for (int x = 0; x < image.width(); ++x)
             image.setPixel(x, y, qRgb((x * 5) % 256, (y * 7) % 256, ((x + y) * 3) % 256));
+    image.setDevicePixelRatio(ratio);
     return image;
 }
 
@@ -60,8 +62,10 @@ private slots:
     void freehandTakesPointsFarEnoughApart();
     void newOverlaysTakeTheModelStyles();
     void mappingStaysFrozenWhileDrawing();
+    void canvasShowsWhatIsSaved_data();
     void canvasShowsWhatIsSaved();
     void handlesOfTheSelectionArePainted();
+    void saveDeliversTheFlattenedPicture_data();
     void saveDeliversTheFlattenedPicture();
 };
 
@@ -219,10 +223,18 @@ void CanvasDrawingTest::mappingStaysFrozenWhileDrawing()
     QCOMPARE(f.model->overlays().first().endPoint, QPointF(-240, 540));
 }
 
+void CanvasDrawingTest::canvasShowsWhatIsSaved_data()
+{
+    QTest::addColumn<double>("ratio");
+    QTest::newRow("one pixel per point") << 1.0;
+    QTest::newRow("HiDPI capture on a HiDPI screen") << 2.0;
+}
+
 void CanvasDrawingTest::canvasShowsWhatIsSaved()
 {
+    QFETCH(double, ratio);
     EditorViewFixture f;
-    f.model->setImage(pattern());
+    f.model->setImage(pattern(ratio));
     f.place(EditorTool::Rectangle, {20, 20}, {90, 70});
     f.place(EditorTool::Arrow, {100, 10}, {180, 90});
     f.place(EditorTool::Mosaic, {120, 60}, {190, 110});
@@ -230,9 +242,13 @@ void CanvasDrawingTest::canvasShowsWhatIsSaved()
     stroke.points = {{10, 100}, {30, 110}, {60, 104}};
     f.model->replaceOverlay(stroke);
 
-    const QImage canvas = paintedCanvas(f.view);
-    const QImage shown = canvas.copy(f.view.viewport().imageFrameInCanvas().toRect());
+    const QImage canvas = paintedCanvas(f.view, ratio);
+    // At 100 % the picture takes the points it took on screen, each of its pixels one device pixel.
+    const QRectF frame = f.view.viewport().imageFrameInCanvas();
+    QCOMPARE(frame.size(), QSizeF(pattern().size()) / ratio);
+    const QImage shown = canvas.copy(QRectF(frame.topLeft() * ratio, frame.size() * ratio).toRect());
     const QImage saved = f.model->renderEditedImage().convertToFormat(QImage::Format_RGB32);
+    QCOMPARE(saved.size(), pattern().size());
     QCOMPARE(shown.size(), saved.size());
     QVERIFY2(largestChannelDifference(shown, saved) <= 2, "the canvas differs from the saved picture");
     QCOMPARE(canvas.pixelColor(5, 5), ImageEditorView::canvasBackground);
@@ -264,15 +280,39 @@ void CanvasDrawingTest::handlesOfTheSelectionArePainted()
     QVERIFY(f.view.handles().isEmpty());
 }
 
+void CanvasDrawingTest::saveDeliversTheFlattenedPicture_data()
+{
+    QTest::addColumn<double>("ratio");
+    QTest::newRow("one pixel per point") << 1.0;
+    QTest::newRow("HiDPI capture") << 2.0;
+}
+
 void CanvasDrawingTest::saveDeliversTheFlattenedPicture()
 {
+    QFETCH(double, ratio);
     EditorViewFixture f;
-    f.add(EditorTool::Rectangle, {-20, 10}, {40, 40});
+    QImage picture = EditorViewFixture::picture(int(400 * ratio), int(300 * ratio));
+    picture.setDevicePixelRatio(ratio);
+    f.model->setImage(picture);
+    // By hand on the canvas at 100 %: the picture's top-left corner is at (500, 500), and this frame
+    // sticks out 20 points on the left.
+    f.model->setSelectedTool(EditorTool::Rectangle);
+    f.interaction().setDrawMode(true);
+    f.drag({{480, 540}, {540, 570}});
+    const Overlay frame = f.model->overlays().last();
+    QCOMPARE(frame.startPoint, QPointF(-20, 260) * ratio);
+    QCOMPARE(frame.endPoint, QPointF(40, 230) * ratio);
+
     QList<QImage> saved;
     f.view.onSave = [&saved](const QImage &image) { saved.append(image); };
     f.view.save();
     QCOMPARE(saved, QList<QImage>{f.model->renderEditedImage()});
-    QCOMPARE(saved.first().width(), 400 + 22); // grown to the left by the overlay and its stroke
+    // Every pixel of the picture, grown to the left by the overlay and its stroke.
+    const int left = int(20 * ratio) + 2;
+    QCOMPARE(saved.first().size(), QSize(left + picture.width(), picture.height()));
+    const int top = int(40 * ratio);
+    QCOMPARE(saved.first().pixelColor(left + int(20 * ratio), top), f.model->selectedColor());
+    QCOMPARE(saved.first().pixelColor(left + int(20 * ratio), top + 10), QColor(90, 120, 150));
 
     f.model->setImage(QImage());
     f.view.save();

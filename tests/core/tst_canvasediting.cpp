@@ -76,6 +76,15 @@ void CanvasEditingTest::moveIsOneUndoStepPerDragAndNoneForATap()
     QVERIFY(!f.view.viewport().interactionCanvasImageRect());
     f.model->undoLastAction();
     QCOMPARE(f.model->overlays(), drawn);
+
+    // The same pixels from a HiDPI display: 100 view points at zoom 2 are 50 points, 100 pixels.
+    QImage hiDpi = EditorViewFixture::picture();
+    hiDpi.setDevicePixelRatio(2);
+    f.model->setImage(hiDpi);
+    const QPointF hiDpiPress = f.at(200, 150);
+    f.drag({hiDpiPress, hiDpiPress + QPointF(100, 100)});
+    QCOMPARE(f.model->overlays().first().startPoint, QPointF(200, 0));
+    QCOMPARE(f.model->overlays().first().endPoint, QPointF(400, 100));
 }
 
 void CanvasEditingTest::cornerSearchIsLoggedAndTheFirstNearCornerWins()

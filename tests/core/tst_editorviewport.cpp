@@ -11,17 +11,19 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QImage picture(int width, int height)
+// `pointSize` on screen, with `ratio` pixels per point, as a capture from a HiDPI display.
+QImage picture(QSize pointSize, double ratio)
 {
-    QImage image(width, height, QImage::Format_RGB32);
+    QImage image(pointSize * ratio, QImage::Format_RGB32);
     image.fill(Qt::white);
+    image.setDevicePixelRatio(ratio);
     return image;
 }
 
-// A viewport over an image of the given size.
+// A viewport over an image of the given size in points.
 struct ViewportFixture
 {
-    explicit ViewportFixture(QSize imageSize) : model(picture(imageSize.width(), imageSize.height()), store) {}
+    explicit ViewportFixture(QSize imageSize, double ratio = 1) : model(picture(imageSize, ratio), store) {}
 
     FakeKeyValueStore store;
     FakeScheduler scheduler;
@@ -53,23 +55,28 @@ private slots:
 void EditorViewportTest::canvasGeometry_data()
 {
     QTest::addColumn<QSize>("imageSize");
+    QTest::addColumn<double>("ratio");
     QTest::addColumn<double>("zoom");
     QTest::addColumn<QSizeF>("canvasSize");
     QTest::addColumn<QRectF>("imageFrame");
-    QTest::newRow("100 x 50 at 1") << QSize(100, 50) << 1.0 << QSizeF(1100, 1050) << QRectF(500, 500, 100, 50);
-    QTest::newRow("100 x 50 at 0.5") << QSize(100, 50) << 0.5 << QSizeF(550, 525) << QRectF(250, 250, 50, 25);
-    QTest::newRow("1 x 1 keeps the padding") << QSize(1, 1) << 1.0 << QSizeF(1001, 1001) << QRectF(500, 500, 1, 1);
-    QTest::newRow("at least one view point") << QSize(100, 50) << 0.0 << QSizeF(1, 1) << QRectF(0, 0, 0, 0);
-    QTest::newRow("zoomed in") << QSize(300, 200) << 2.0 << QSizeF(2600, 2400) << QRectF(1000, 1000, 600, 400);
+    QTest::newRow("100 x 50 at 1") << QSize(100, 50) << 1.0 << 1.0 << QSizeF(1100, 1050) << QRectF(500, 500, 100, 50);
+    QTest::newRow("100 x 50 at 0.5") << QSize(100, 50) << 1.0 << 0.5 << QSizeF(550, 525) << QRectF(250, 250, 50, 25);
+    QTest::newRow("1 x 1 keeps the padding") << QSize(1, 1) << 1.0 << 1.0 << QSizeF(1001, 1001) << QRectF(500, 500, 1, 1);
+    QTest::newRow("at least one view point") << QSize(100, 50) << 1.0 << 0.0 << QSizeF(1, 1) << QRectF(0, 0, 0, 0);
+    QTest::newRow("zoomed in") << QSize(300, 200) << 1.0 << 2.0 << QSizeF(2600, 2400) << QRectF(1000, 1000, 600, 400);
+    // 800 × 600 pixels taken from 400 × 300 points: shown at its size on screen.
+    QTest::newRow("HiDPI at 1") << QSize(400, 300) << 2.0 << 1.0 << QSizeF(1400, 1300) << QRectF(500, 500, 400, 300);
+    QTest::newRow("HiDPI at 2") << QSize(400, 300) << 2.0 << 2.0 << QSizeF(2800, 2600) << QRectF(1000, 1000, 800, 600);
 }
 
 void EditorViewportTest::canvasGeometry()
 {
     QFETCH(QSize, imageSize);
+    QFETCH(double, ratio);
     QFETCH(double, zoom);
     QFETCH(QSizeF, canvasSize);
     QFETCH(QRectF, imageFrame);
-    ViewportFixture f(imageSize);
+    ViewportFixture f(imageSize, ratio);
     f.viewport.setZoomScale(zoom);
     QCOMPARE(f.viewport.zoomedCanvasSize(), canvasSize);
     QCOMPARE(f.viewport.imageFrameInCanvas(), imageFrame);
@@ -81,23 +88,30 @@ void EditorViewportTest::canvasGeometry()
 
 void EditorViewportTest::conversionsAreInverses_data()
 {
+    QTest::addColumn<double>("ratio");
     QTest::addColumn<double>("zoom");
     QTest::addColumn<QPointF>("viewPoint");
     QTest::addColumn<QPointF>("imagePoint");
-    QTest::newRow("image top-left") << 1.0 << QPointF(500, 500) << QPointF(0, 50);
-    QTest::newRow("image bottom-left") << 1.0 << QPointF(500, 550) << QPointF(0, 0);
-    QTest::newRow("canvas origin") << 1.0 << QPointF(0, 0) << QPointF(-500, 550);
-    QTest::newRow("half zoom") << 0.5 << QPointF(275, 262.5) << QPointF(50, 25);
-    QTest::newRow("odd zoom") << 1.3 << QPointF(13, 1.3) << QPointF(-490, 549);
-    QTest::newRow("largest zoom") << 3.0 << QPointF(1650, 1575) << QPointF(50, 25);
+    QTest::newRow("image top-left") << 1.0 << 1.0 << QPointF(500, 500) << QPointF(0, 50);
+    QTest::newRow("image bottom-left") << 1.0 << 1.0 << QPointF(500, 550) << QPointF(0, 0);
+    QTest::newRow("canvas origin") << 1.0 << 1.0 << QPointF(0, 0) << QPointF(-500, 550);
+    QTest::newRow("half zoom") << 1.0 << 0.5 << QPointF(275, 262.5) << QPointF(50, 25);
+    QTest::newRow("odd zoom") << 1.0 << 1.3 << QPointF(13, 1.3) << QPointF(-490, 549);
+    QTest::newRow("largest zoom") << 1.0 << 3.0 << QPointF(1650, 1575) << QPointF(50, 25);
+    // The overlays' coordinates stay in image pixels: two per point.
+    QTest::newRow("HiDPI image top-left") << 2.0 << 1.0 << QPointF(500, 500) << QPointF(0, 100);
+    QTest::newRow("HiDPI image bottom-right") << 2.0 << 1.0 << QPointF(600, 550) << QPointF(200, 0);
+    QTest::newRow("HiDPI canvas origin") << 2.0 << 1.0 << QPointF(0, 0) << QPointF(-1000, 1100);
+    QTest::newRow("HiDPI zoomed in") << 2.0 << 2.0 << QPointF(1100, 1050) << QPointF(100, 50);
 }
 
 void EditorViewportTest::conversionsAreInverses()
 {
+    QFETCH(double, ratio);
     QFETCH(double, zoom);
     QFETCH(QPointF, viewPoint);
     QFETCH(QPointF, imagePoint);
-    ViewportFixture f(QSize(100, 50));
+    ViewportFixture f(QSize(100, 50), ratio);
     f.viewport.setZoomScale(zoom);
     QCOMPARE(f.viewport.convertToImagePoint(viewPoint), imagePoint);
     QCOMPARE(f.viewport.convertToViewPoint(imagePoint), viewPoint);
@@ -199,7 +213,7 @@ void EditorViewportTest::centeringAfterTheViewIsGoneDoesNothing()
 {
     FakeScheduler scheduler;
     FakeKeyValueStore store;
-    ImageEditorModel model(picture(10, 10), store);
+    ImageEditorModel model(picture(QSize(10, 10), 1), store);
     int scrolls = 0;
     {
         EditorViewport viewport(model, scheduler);

@@ -158,21 +158,25 @@ void EditorWindowsTest::contentSize_data()
 {
     QTest::addColumn<std::optional<QSizeF>>("visibleSize");
     QTest::addColumn<std::optional<QSizeF>>("imageSize");
+    QTest::addColumn<double>("ratio");
     QTest::addColumn<QSizeF>("expected");
     const std::optional<QSizeF> laptop = QSizeF(1440, 875);
-    QTest::newRow("small image keeps the minimum width") << laptop << std::optional(QSizeF(200, 100)) << QSizeF(1000, 875);
-    QTest::newRow("large image is held to the screen") << laptop << std::optional(QSizeF(3000, 2000)) << QSizeF(1440, 875);
-    QTest::newRow("room for the margin and the bars")
-        << std::optional(QSizeF(2560, 1415)) << std::optional(QSizeF(700, 400)) << QSizeF(1200, 1080);
-    QTest::newRow("no screen and no image") << std::optional<QSizeF>() << std::optional<QSizeF>() << QSizeF(1000, 1000);
-    QTest::newRow("no image on a small screen") << std::optional(QSizeF(800, 600)) << std::optional<QSizeF>() << QSizeF(800, 600);
-    QTest::newRow("no screen with an image") << std::optional<QSizeF>() << std::optional(QSizeF(900, 900)) << QSizeF(1000, 1000);
+    const std::optional<QSizeF> wide = QSizeF(2560, 1415);
+    QTest::newRow("small image keeps the minimum width") << laptop << std::optional(QSizeF(200, 100)) << 1.0 << QSizeF(1000, 875);
+    QTest::newRow("large image is held to the screen") << laptop << std::optional(QSizeF(3000, 2000)) << 1.0 << QSizeF(1440, 875);
+    QTest::newRow("room for the margin and the bars") << wide << std::optional(QSizeF(700, 400)) << 1.0 << QSizeF(1200, 1080);
+    // Sized by the points it covered on screen, not by its pixels.
+    QTest::newRow("HiDPI capture") << wide << std::optional(QSizeF(700, 400)) << 2.0 << QSizeF(1200, 1080);
+    QTest::newRow("no screen and no image") << std::optional<QSizeF>() << std::optional<QSizeF>() << 1.0 << QSizeF(1000, 1000);
+    QTest::newRow("no image on a small screen") << std::optional(QSizeF(800, 600)) << std::optional<QSizeF>() << 1.0 << QSizeF(800, 600);
+    QTest::newRow("no screen with an image") << std::optional<QSizeF>() << std::optional(QSizeF(900, 900)) << 1.0 << QSizeF(1000, 1000);
 }
 
 void EditorWindowsTest::contentSize()
 {
     QFETCH(std::optional<QSizeF>, visibleSize);
     QFETCH(std::optional<QSizeF>, imageSize);
+    QFETCH(double, ratio);
     QFETCH(QSizeF, expected);
     EditorManagerFixture f;
     if (visibleSize) {
@@ -181,6 +185,17 @@ void EditorWindowsTest::contentSize()
         f.displays.main = screen;
     }
     QCOMPARE(f.manager.editorContentSize(imageSize), expected);
+    if (!imageSize)
+        return;
+    // The windows opened for such a capture, primary and extra.
+    QImage capture = EditorManagerFixture::picture(int(imageSize->width() * ratio), int(imageSize->height() * ratio));
+    capture.setDevicePixelRatio(ratio);
+    f.openWithoutNotification(true);
+    f.handOff(capture, shotA);
+    f.handOff(capture, shotB);
+    QCOMPARE(f.windows.windows.size(), qsizetype(2));
+    for (const auto &window : f.windows.windows)
+        QCOMPARE(window->contentSize, expected);
 }
 
 void EditorWindowsTest::detachedWindowsAreForgottenWhenTheyClose()

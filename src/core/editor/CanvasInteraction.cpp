@@ -157,9 +157,9 @@ void CanvasInteraction::overlayDragChanged(const QUuid &id, const DragGestureEve
 
     if (!m_resizeCorner) {
         m_systemLog.log(u"Vistrel: moving (no corner detected)"_s);
-        const double zoom = m_viewport.zoomScale();
-        const double dx = zoom > 0 ? event.translation.width() / zoom : 0;
-        const double dy = zoom > 0 ? -event.translation.height() / zoom : 0;
+        const double scale = m_viewport.viewPointsPerImagePixel();
+        const double dx = scale > 0 ? event.translation.width() / scale : 0;
+        const double dy = scale > 0 ? -event.translation.height() / scale : 0;
         takeUndoSnapshotOnce();
         // Always from the overlay as it was at the press, never accumulated.
         m_model.replaceOverlay(canvasrules::movedOverlay(*m_dragInitialOverlay, dx, dy));

@@ -73,8 +73,13 @@ void EditorViewport::setInteractionCanvasImageRect(const std::optional<Rect> &re
 
 QSizeF EditorViewport::imageSize() const
 {
-    // Image pixels: the space of the overlays and of the flattened picture.
-    return QSizeF(m_model.image().size());
+    return QSizeF(m_model.image().size()) / pixelRatio();
+}
+
+double EditorViewport::pixelRatio() const
+{
+    const double ratio = m_model.image().devicePixelRatio();
+    return ratio > 0 ? ratio : 1.0;
 }
 
 Rect EditorViewport::baseCanvasImageRect() const
@@ -104,22 +109,27 @@ QRectF EditorViewport::fittedImageFrame(QSizeF) const
 
 QPointF EditorViewport::convertToImagePoint(QPointF viewPoint) const
 {
-    return viewportgeometry::convertToImagePoint(viewPoint, canvasImageRect(), m_zoomScale);
+    return viewportgeometry::convertToImagePoint(viewPoint, canvasImageRect(), m_zoomScale) * pixelRatio();
 }
 
 QPointF EditorViewport::convertToViewPoint(QPointF imagePoint) const
 {
-    return viewportgeometry::convertToViewPoint(imagePoint, canvasImageRect(), m_zoomScale);
+    return viewportgeometry::convertToViewPoint(imagePoint / pixelRatio(), canvasImageRect(), m_zoomScale);
 }
 
 QRectF EditorViewport::overlayRectInView(const Overlay &overlay) const
 {
-    return viewportgeometry::rectInView(overlay.rect(), canvasImageRect(), m_zoomScale);
+    const Rect pixels = overlay.rect();
+    const double ratio = pixelRatio();
+    const Rect points(pixels.minX() / ratio, pixels.minY() / ratio, pixels.width() / ratio, pixels.height() / ratio);
+    return viewportgeometry::rectInView(points, canvasImageRect(), m_zoomScale);
 }
 
 QTransform EditorViewport::imageToViewTransform() const
 {
-    return viewportgeometry::imageToViewTransform(canvasImageRect(), m_zoomScale);
+    const double pointsPerPixel = 1 / pixelRatio();
+    return QTransform::fromScale(pointsPerPixel, pointsPerPixel)
+           * viewportgeometry::imageToViewTransform(canvasImageRect(), m_zoomScale);
 }
 
 QPointF EditorViewport::imageCenterAnchor() const

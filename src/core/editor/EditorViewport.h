@@ -19,9 +19,11 @@ class ImageEditorModel;
 class Scheduler;
 
 // The canvas of an editor view: the image with a margin of canvasPadding image points on every side,
-// scaled by zoomScale and shown in a scroll area that scrolls both ways. It converts between view
-// points and image points, runs the zoom controls and centres the scroll area on the image when the
-// view first appears. Main thread only.
+// scaled by zoomScale and shown in a scroll area that scrolls both ways. Image points are the points
+// the picture covered on screen (its pixels over its device pixel ratio), so a HiDPI capture shows at
+// its on-screen size at 100 %. The overlays live in image pixels: the conversions go between view
+// points and those pixels. It also runs the zoom controls and centres the scroll area on the image when
+// the view first appears. Main thread only.
 class EditorViewport final : public QObject
 {
     Q_OBJECT
@@ -63,16 +65,24 @@ public:
     const std::optional<Rect> &interactionCanvasImageRect() const { return m_interactionCanvasImageRect; }
     void setInteractionCanvasImageRect(const std::optional<Rect> &rect);
 
+    // In image points.
     QSizeF imageSize() const;
+    // Image pixels per image point: 2 for a capture from a HiDPI display, 1 for files and the clipboard.
+    double pixelRatio() const;
+    // How far one image pixel reaches on the canvas.
+    double viewPointsPerImagePixel() const { return m_zoomScale / pixelRatio(); }
+    // The canvas rectangles are in image points.
     Rect baseCanvasImageRect() const;
     Rect canvasImageRect() const;
     QSizeF zoomedCanvasSize() const;
     QRectF imageFrameInCanvas() const;
     // The same as imageFrameInCanvas, whatever the size.
     QRectF fittedImageFrame(QSizeF size) const;
+    // View points to overlay coordinates (image pixels, y up) and back.
     QPointF convertToImagePoint(QPointF viewPoint) const;
     QPointF convertToViewPoint(QPointF imagePoint) const;
     QRectF overlayRectInView(const Overlay &overlay) const;
+    // For a painter drawing overlays in image pixels onto the canvas.
     QTransform imageToViewTransform() const;
     // The centre of the image on the canvas: what the scroll area centres on.
     QPointF imageCenterAnchor() const;

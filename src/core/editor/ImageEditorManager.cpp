@@ -280,6 +280,6 @@ void ImageEditorManager::releaseLater(std::shared_ptr<EditorWindow> window)
 
 QSizeF ImageEditorManager::imageSize(const ImageEditorModel &model)
 {
-    // The editor works in image pixels, whatever the picture's device pixel ratio.
-    return QSizeF(model.image().size());
+    // The size the picture had on screen: a HiDPI capture's window is no larger than a plain one's.
+    return model.image().deviceIndependentSize();
 }

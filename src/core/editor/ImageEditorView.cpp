@@ -58,7 +58,8 @@ void ImageEditorView::cancel()
 
 QList<ImageEditorView::TextField> ImageEditorView::textFields() const
 {
-    const double zoom = m_viewport.zoomScale();
+    // Insets and font sizes are in image pixels, like the overlays.
+    const double zoom = m_viewport.viewPointsPerImagePixel();
     QList<TextField> fields;
     for (const Overlay &overlay : m_model->overlays()) {
         if (overlay.type != EditorTool::Text)

@@ -32,10 +32,11 @@ struct EditorViewFixture
     CanvasInteraction &interaction() { return view.interaction(); }
     CanvasPointerInput &pointer() { return view.pointerInput(); }
 
-    // Where an image point is on the canvas, with the canvas as it is when no drag runs.
+    // Where an image pixel is on the canvas, with the canvas as it is when no drag runs.
     QPointF at(double x, double y) const
     {
-        return viewportgeometry::convertToViewPoint({x, y}, view.viewport().baseCanvasImageRect(),
+        return viewportgeometry::convertToViewPoint(QPointF(x, y) / model->image().devicePixelRatio(),
+                                                    view.viewport().baseCanvasImageRect(),
                                                     view.viewport().zoomScale());
     }
 
