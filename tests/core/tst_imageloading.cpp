@@ -200,6 +200,10 @@ void ImageLoadingTest::badInputGivesNoImage_data()
     QTest::newRow("png signature only") << png.left(8) << QString();
     QTest::newRow("png cut in half") << png.left(png.size() / 2) << QString();
     QTest::newRow("png with damaged data") << damaged << QString();
+    // libpng would allocate the declared 1.75 GiB before finding the text is not there.
+    const QByteArray longText = bigEndian32(0x70000000) + "tEXtComment\0" + bigEndian32(0);
+    QTest::newRow("png chunk longer than the data") << png.chopped(12) + longText + png.right(12)
+                                                    << u"chunk longer than the data"_s;
     QTest::newRow("jpeg header only") << jpeg.left(200) << QString();
     QTest::newRow("gif header only") << oneRedPixelGif.left(13) << QString();
     const QString tooLarge = u"exceeds the limit of 512 MiB"_s;

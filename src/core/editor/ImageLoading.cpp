@@ -4,6 +4,7 @@
 #include <QColorSpace>
 #include <QFile>
 #include <QImageReader>
+#include <QtEndian>
 
 using namespace Qt::StringLiterals;
 
@@ -21,6 +22,26 @@ void applyAllocationLimit()
     Q_UNUSED(isApplied);
 }
 
+// libpng allocates a chunk at its declared length, up to 2 GiB, before it finds the data missing; a
+// few damaged bytes must not cost that much. True when a PNG chunk runs past the end of the data.
+bool hasPngChunkPastEnd(QIODevice &device)
+{
+    if (device.isSequential() || device.peek(8) != QByteArray::fromHex("89504e470d0a1a0a"))
+        return false;
+    const qint64 start = device.pos();
+    bool isPastEnd = false;
+    for (qint64 chunk = start + 8; !isPastEnd && chunk + 8 <= device.size();) {
+        device.seek(chunk);
+        const QByteArray head = device.read(8);
+        if (head.size() < 8 || head.endsWith("IEND"))
+            break;
+        chunk += 12 + qint64(qFromBigEndian<quint32>(head.constData()));
+        isPastEnd = chunk > device.size();
+    }
+    device.seek(start);
+    return isPastEnd;
+}
+
 QImage read(QIODevice &device, QString *error)
 {
     applyAllocationLimit();
@@ -34,6 +55,8 @@ QImage read(QIODevice &device, QString *error)
     reader.setAutoTransform(true);
     if (!reader.canRead())
         return fail(u"not an image of a known format"_s);
+    if (hasPngChunkPastEnd(device))
+        return fail(u"PNG chunk longer than the data"_s);
     // Most decoders check the limit themselves; checking the declared size here covers those that
     // do not, before they allocate.
     const QSize declared = reader.size();
