@@ -103,11 +103,27 @@ void EditedImagesTest::savingBesideTheSourceOverwritesAndCopies()
     EditorManagerFixture f(&writer);
     QTemporaryDir folder;
     writeFile(folder.filePath(u"a.b_edited.png"_s), "an older file");
-    const QImage edited = EditorManagerFixture::picture(33, 21, QColor(200, 10, 90));
+    // A picture with see-through pixels (as opened from a PNG), and a rectangle reaching past its left
+    // edge into the margin.
+    QImage source(33, 21, QImage::Format_ARGB32);
+    source.fill(QColor(200, 10, 90));
+    source.setPixelColor(20, 5, QColor(0, 0, 255, 0));
+    source.setPixelColor(21, 5, QColor(0, 200, 0, 128));
+    auto model = std::make_shared<ImageEditorModel>(source, f.store);
+    model->appendOverlay(Overlay(EditorTool::Rectangle, QPointF(-12, 4), QPointF(10, 15), Qt::blue, {}, {}));
+    const QImage edited = model->renderEditedImage();
+    f.manager.openDetachedEditorWindow(model, QUrl::fromLocalFile(folder.filePath(u"a.b.png"_s)));
+    f.lastWindow()->contentAs<ImageEditorView>()->save();
 
-    QVERIFY(f.manager.saveEditedImage(edited, QUrl::fromLocalFile(folder.filePath(u"a.b.png"_s))));
+    // The file keeps the canvas's alpha channel and every pixel of it, the margin included.
     const QImage written(folder.filePath(u"a.b_edited.png"_s));
-    QCOMPARE(written.convertToFormat(QImage::Format_RGB32), edited);
+    QVERIFY(written.hasAlphaChannel());
+    QCOMPARE(written.size(), QSize(33 + 14, 21));
+    QCOMPARE(written.convertToFormat(QImage::Format_ARGB32), edited.convertToFormat(QImage::Format_ARGB32));
+    QCOMPARE(written.pixelColor(0, 0), QColor(Qt::white)); // the margin
+    // Painted onto white, the transparent pixel comes out white and the half-transparent one mixed.
+    QCOMPARE(written.pixelColor(14 + 20, 5), QColor(Qt::white));
+    QCOMPARE(written.pixelColor(14 + 21, 5).alpha(), 255);
     QCOMPARE(f.pasteboard.contents, QList<QImage>{edited});
     QVERIFY(f.systemLog.messages().isEmpty());
 }

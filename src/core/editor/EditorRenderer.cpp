@@ -47,12 +47,13 @@ QImage renderEditedImage(const QImage &image, const QList<Overlay> &overlays)
         || bounds.width() * bounds.height() > maximumCanvasPixels)
         return image;
 
-    // Opaque: everything is painted source-over onto white, so alpha would always be full. When the
-    // image fills the canvas and has no transparency, copying it is the same as painting it on white.
+    // An RGBA canvas, as the saved file keeps the alpha channel. Everything is painted source-over onto
+    // white, so in practice alpha stays full. When the image fills the canvas and has no transparency,
+    // copying it is the same as painting it on white.
     const bool isImageTheCanvas = bounds == Rect(0, 0, pixels.width(), pixels.height()) && !image.hasAlphaChannel();
-    QImage canvas = isImageTheCanvas ? image.convertToFormat(QImage::Format_RGB32)
+    QImage canvas = isImageTheCanvas ? image.convertToFormat(QImage::Format_ARGB32_Premultiplied)
                                      : QImage(std::max(1, int(bounds.width())), std::max(1, int(bounds.height())),
-                                              QImage::Format_RGB32);
+                                              QImage::Format_ARGB32_Premultiplied);
     if (canvas.isNull())
         return image;
     canvas.setDevicePixelRatio(1);
@@ -74,7 +75,8 @@ QImage renderEditedImage(const QImage &image, const QList<Overlay> &overlays)
     for (const Overlay &overlay : std::as_const(drawable))
         overlaypainter::drawOverlay(painter, overlay, image);
     painter.end();
-    return canvas;
+    // Straight alpha, in place: what the PNG holds.
+    return std::move(canvas).convertToFormat(QImage::Format_ARGB32);
 }
 
 } // namespace editorrender

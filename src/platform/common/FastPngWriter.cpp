@@ -8,26 +8,34 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Captures and flattened edits are 32-bit opaque and are written as they are; anything else is first
-// converted to 8-bit RGB or straight RGBA. The result reads `converted`, which keeps the pixels.
+// Captures are 32-bit opaque and flattened edits 32-bit with alpha; both are written as they are
+// (premultiplied pixels straightened first). Anything else is converted to 8-bit RGB or straight RGBA.
+// The result reads `converted`, which keeps the pixels.
 PngPixels pixelsOf(const QImage &image, QImage &converted)
 {
-    const bool hasAlpha = image.hasAlphaChannel();
     switch (image.format()) {
     case QImage::Format_RGB32:
     case QImage::Format_RGB888:
     case QImage::Format_RGBA8888:
+    case QImage::Format_ARGB32:
         converted = image;
         break;
+    case QImage::Format_ARGB32_Premultiplied:
+        converted = image.convertToFormat(QImage::Format_ARGB32);
+        break;
     default:
-        converted = image.convertToFormat(hasAlpha ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
+        converted = image.convertToFormat(image.hasAlphaChannel() ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
         break;
     }
     if (converted.isNull())
         return {};
-    const PngPixels::Layout layout = converted.format() == QImage::Format_RGB32 ? PngPixels::Layout::Opaque32
-        : converted.format() == QImage::Format_RGB888                           ? PngPixels::Layout::Rgb24
-                                                                                : PngPixels::Layout::Rgba32;
+    PngPixels::Layout layout = PngPixels::Layout::Rgba32;
+    switch (converted.format()) {
+    case QImage::Format_RGB32: layout = PngPixels::Layout::Opaque32; break;
+    case QImage::Format_RGB888: layout = PngPixels::Layout::Rgb24; break;
+    case QImage::Format_ARGB32: layout = PngPixels::Layout::Argb32; break;
+    default: break;
+    }
     return {converted.constBits(), converted.width(), converted.height(), converted.bytesPerLine(), layout};
 }
 

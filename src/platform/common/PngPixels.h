@@ -15,6 +15,9 @@ struct PngPixels
         Rgb24,
         // 8-bit R, G, B, A, not premultiplied, written as they are.
         Rgba32,
+        // 32 bits per pixel holding 0xAARRGGBB, not premultiplied, in the machine's byte order
+        // (QImage::Format_ARGB32), written as 8-bit RGBA.
+        Argb32,
     };
 
     const unsigned char *data = nullptr;
@@ -27,7 +30,7 @@ struct PngPixels
     bool isDisposable = false;
 
     bool isNull() const { return !data || width <= 0 || height <= 0; }
-    bool hasAlpha() const { return layout == Layout::Rgba32; }
+    bool hasAlpha() const { return layout == Layout::Rgba32 || layout == Layout::Argb32; }
     const unsigned char *row(int y) const { return data + std::ptrdiff_t(y) * bytesPerLine; }
     // Bytes of one row of the PNG's image data, before filtering.
     std::size_t rowLength() const { return std::size_t(width) * (hasAlpha() ? 4 : 3); }

@@ -45,29 +45,42 @@ void subtractOpaqueRow(const quint32 *row, const quint32 *above, uchar *out, siz
     }
 }
 
+// The same for rows of 0xAARRGGBB pixels, written as R, G, B, A.
+void subtractArgbRow(const quint32 *row, const quint32 *above, uchar *out, size_t width)
+{
+    constexpr quint32 high = 0x80808080u;
+    for (size_t x = 0; x < width; ++x, out += 4) {
+        const quint32 a = row[x];
+        const quint32 b = above ? above[x] : 0;
+        const quint32 difference = ((a | high) - (b & ~high)) ^ ((a ^ ~b) & high);
+        const quint32 rgba = qToBigEndian((difference << 8) | (difference >> 24));
+        std::memcpy(out, &rgba, 4);
+    }
+}
+
 } // namespace
 
 void filterRows(const PngPixels &pixels, int firstRow, int endRow, uchar *filtered)
 {
-    const bool isOpaque32 = pixels.layout == PngPixels::Layout::Opaque32;
+    const PngPixels::Layout layout = pixels.layout;
     const size_t width = size_t(pixels.width);
     const size_t rowLength = pixels.rowLength();
     for (int y = firstRow; y < endRow; ++y) {
         uchar *out = filtered + size_t(y - firstRow) * (rowLength + 1);
         out[0] = upFilter;
         const uchar *row = pixels.row(y);
-        if (y == 0) {
-            // Nothing above the first row: its bytes go as they are.
-            if (isOpaque32)
-                subtractOpaqueRow(reinterpret_cast<const quint32 *>(row), nullptr, out + 1, width);
-            else
-                std::memcpy(out + 1, row, rowLength);
-        } else if (isOpaque32) {
-            subtractOpaqueRow(reinterpret_cast<const quint32 *>(row),
-                              reinterpret_cast<const quint32 *>(pixels.row(y - 1)), out + 1, width);
-        } else {
-            subtractRow(row, pixels.row(y - 1), out + 1, rowLength);
-        }
+        // Nothing above the first row: its bytes go as they are.
+        const uchar *above = y == 0 ? nullptr : pixels.row(y - 1);
+        if (layout == PngPixels::Layout::Opaque32)
+            subtractOpaqueRow(reinterpret_cast<const quint32 *>(row), reinterpret_cast<const quint32 *>(above),
+                              out + 1, width);
+        else if (layout == PngPixels::Layout::Argb32)
+            subtractArgbRow(reinterpret_cast<const quint32 *>(row), reinterpret_cast<const quint32 *>(above),
+                            out + 1, width);
+        else if (above)
+            subtractRow(row, above, out + 1, rowLength);
+        else
+            std::memcpy(out + 1, row, rowLength);
     }
 }
 
