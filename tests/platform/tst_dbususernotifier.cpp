@@ -14,6 +14,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QTemporaryDir>
 
 #include <memory>
 
@@ -26,14 +27,16 @@ UserNotifier::Request editRequest(double delay = 0)
             u"VistrelEditCategory"_s, true, delay};
 }
 
-// A bus of its own with dunst serving it, for one test.
+// A bus of its own with dunst serving it, for one test. Without a bus, the connection is made the way a
+// session whose bus address leads nowhere makes it: to a socket nobody listens on.
 struct NotificationSession
 {
-    explicit NotificationSession(bool withServer)
+    explicit NotificationSession(bool withServer, bool withBus = true)
     {
         static int connections = 0;
+        const QString address = withBus ? session.address() : u"unix:path="_s + nowhere.filePath(u"bus"_s);
         bus = std::make_unique<QDBusConnection>(
-            QDBusConnection::connectToBus(session.address(), u"notifier-test-%1"_s.arg(++connections)));
+            QDBusConnection::connectToBus(address, u"notifier-test-%1"_s.arg(++connections)));
         if (withServer) {
             dunst.start(u"dunst"_s, {},
                         {session.environmentEntry(), u"DISPLAY="_s + testsupport::xvfb()->display()});
@@ -62,6 +65,7 @@ struct NotificationSession
     int displayed() const { return dunstctl({u"count"_s, u"displayed"_s}).toInt(); }
 
     DBusSession session;
+    QTemporaryDir nowhere;
     ChildProcess dunst;
     bool isServing = false;
     std::unique_ptr<QDBusConnection> bus;
@@ -106,15 +110,21 @@ void DBusUserNotifierTest::init()
 void DBusUserNotifierTest::authorizationAndRequestsNeedAServer_data()
 {
     QTest::addColumn<bool>("withServer");
-    QTest::newRow("dunst serves the bus") << true;
-    QTest::newRow("nobody serves the bus") << false;
+    QTest::addColumn<bool>("withBus");
+    QTest::addColumn<QString>("failure");
+    QTest::newRow("dunst serves the bus") << true << true << QString();
+    QTest::newRow("nobody serves the bus") << false << true << u"no notification server answers on the session bus ("_s;
+    QTest::newRow("there is no bus") << false << false << u"there is no session bus (Failed to connect to socket "_s;
 }
 
 void DBusUserNotifierTest::authorizationAndRequestsNeedAServer()
 {
     QFETCH(bool, withServer);
-    NotificationSession session(withServer);
+    QFETCH(bool, withBus);
+    QFETCH(QString, failure);
+    NotificationSession session(withServer, withBus);
     QCOMPARE(session.isServing, withServer);
+    QCOMPARE(session.bus->isConnected(), withBus);
     QtScheduler scheduler;
     DBusUserNotifier notifier(*session.bus, scheduler);
     std::optional<std::pair<bool, std::optional<QString>>> authorization;
@@ -122,14 +132,13 @@ void DBusUserNotifierTest::authorizationAndRequestsNeedAServer()
     QTRY_VERIFY(authorization);
     QCOMPARE(authorization->first, withServer);
     const QString reason = authorization->second.value_or(QString());
-    QVERIFY2(withServer ? !authorization->second
-                        : reason.startsWith(u"no notification server answers on the session bus"_s),
-             qPrintable(reason));
+    QVERIFY2(withServer ? !authorization->second : reason.startsWith(failure), qPrintable(reason));
 
     std::optional<std::optional<QString>> added;
     notifier.add(editRequest(), [&](std::optional<QString> error) { added = error; });
     QTRY_VERIFY(added);
-    QCOMPARE(added->has_value(), !withServer);
+    QVERIFY2(withServer ? !*added : added->value_or(QString()).startsWith(failure),
+             qPrintable(added->value_or(QString())));
 }
 
 void DBusUserNotifierTest::notificationWaitsForItsDelayAndCarriesTheTexts()

@@ -12,10 +12,16 @@ namespace {
 const QString path = u"/org/freedesktop/Notifications"_s;
 const QString interface = u"org.freedesktop.Notifications"_s;
 
-// Calls `onReply` with the finished call on the main thread, once.
+// Calls `onReply` with the finished call on the main thread, once. A connection without a bus hands
+// out calls that a watcher never reports (they are failed from the start), so those are answered here.
 template<typename Reply, typename OnReply>
-void whenFinished(QObject *context, const QDBusPendingCall &call, OnReply onReply)
+void whenFinished(QObject *context, const QDBusConnection &bus, const QDBusPendingCall &call, OnReply onReply)
 {
+    if (!bus.isConnected()) {
+        QMetaObject::invokeMethod(
+            context, [call, onReply = std::move(onReply)] { onReply(Reply(call)); }, Qt::QueuedConnection);
+        return;
+    }
     auto *watcher = new QDBusPendingCallWatcher(call, context);
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, context,
                      [watcher, onReply = std::move(onReply)] {
@@ -24,11 +30,15 @@ void whenFinished(QObject *context, const QDBusPendingCall &call, OnReply onRepl
                      });
 }
 
-QString describe(const QDBusError &error)
+} // namespace
+
+QString DBusUserNotifier::describe(const QDBusError &error) const
 {
+    // The bus's own error says why there is none (no address, nobody listening at it).
+    if (!m_bus.isConnected())
+        return u"there is no session bus (%1)"_s.arg(m_bus.lastError().message());
     return u"no notification server answers on the session bus (%1)"_s.arg(error.message());
 }
-} // namespace
 
 DBusUserNotifier::DBusUserNotifier(const QDBusConnection &bus, Scheduler &scheduler)
     : m_bus(bus), m_scheduler(scheduler)
@@ -51,8 +61,8 @@ void DBusUserNotifier::requestAuthorization(AuthorizationCompletion completion)
 {
     // Servers ask nobody for permission; one that answers shows what we send.
     whenFinished<QDBusPendingReply<QString, QString, QString, QString>>(
-        this, m_bus.asyncCall(methodCall(u"GetServerInformation"_s)),
-        [completion = std::move(completion)](const QDBusPendingReply<QString, QString, QString, QString> &reply) {
+        this, m_bus, m_bus.asyncCall(methodCall(u"GetServerInformation"_s)),
+        [this, completion = std::move(completion)](const QDBusPendingReply<QString, QString, QString, QString> &reply) {
             if (reply.isError())
                 completion(false, describe(reply.error()));
             else
@@ -77,7 +87,7 @@ void DBusUserNotifier::add(const Request &request, ErrorCompletion completion)
 void DBusUserNotifier::sendWhenServerCanAct(const Request &request, const ErrorCompletion &completion)
 {
     whenFinished<QDBusPendingReply<QStringList>>(
-        this, m_bus.asyncCall(methodCall(u"GetCapabilities"_s)),
+        this, m_bus, m_bus.asyncCall(methodCall(u"GetCapabilities"_s)),
         [this, request, completion](const QDBusPendingReply<QStringList> &reply) {
             if (reply.isError())
                 completion(describe(reply.error()));
@@ -103,7 +113,7 @@ void DBusUserNotifier::send(const Request &request, const ErrorCompletion &compl
     notify << u"Vistrel"_s << uint(0) << u"vistrel"_s << request.title << request.body
            << QStringList{u"default"_s, u"編集"_s} << hints << int(-1);
     const QString category = request.categoryIdentifier;
-    whenFinished<QDBusPendingReply<uint>>(this, m_bus.asyncCall(notify),
+    whenFinished<QDBusPendingReply<uint>>(this, m_bus, m_bus.asyncCall(notify),
                                           [this, category, completion](const QDBusPendingReply<uint> &reply) {
                                               if (reply.isError()) {
                                                   completion(u"the notification server refused the notification (%1)"_s

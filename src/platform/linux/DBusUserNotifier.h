@@ -13,9 +13,9 @@ class Scheduler;
 // of one this process sent, the response handler gets the category of its request. Dismissing a
 // notification is no response.
 //
-// Authorization means a server answers. A request fails, as a value, when no server answers or the
-// server cannot report actions back: then a click could never reach us. Main thread only; replies and
-// the server's signals arrive on the main thread.
+// Authorization means a server answers. A request fails, as a value, when there is no session bus, no
+// server answers or the server cannot report actions back: then a click could never reach us. Main
+// thread only; replies, failures and the server's signals arrive on the main thread.
 class DBusUserNotifier final : public QObject, public UserNotifier
 {
     Q_OBJECT
@@ -38,6 +38,7 @@ private:
     void sendWhenServerCanAct(const Request &request, const ErrorCompletion &completion);
     void send(const Request &request, const ErrorCompletion &completion);
     QDBusMessage methodCall(const QString &method) const;
+    QString describe(const QDBusError &error) const;
 
     QDBusConnection m_bus;
     Scheduler &m_scheduler;
