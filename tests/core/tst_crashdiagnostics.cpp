@@ -1,6 +1,8 @@
 // Runs the diagnostics in real child processes that die, and checks what they left behind.
+#include "UnprivilegedUser.h"
 #include "app/CrashDiagnostics.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
@@ -100,6 +102,7 @@ private slots:
     void fatalSignalIsRecordedAndReraised();
     void unwritableFolderStillReportsAndDies();
     void firstWriteCreatesThenAppends();
+    void readOnlyLogIsReplacedWhole();
     void uncaughtExceptionIsRecorded_data();
     void uncaughtExceptionIsRecorded();
     void platformExceptionHandlerIsInstalledOnceBeforeTheInstallLine();
@@ -167,6 +170,27 @@ void CrashDiagnosticsTest::firstWriteCreatesThenAppends()
     QVERIFY(readLog(folder).contains("Z] \n"));
     QCOMPARE(loggedMessages(folder), (QStringList{u"first"_s, u"second"_s, QString(), u"日本語 third"_s}));
     QVERIFY(child.standardError.contains("] 日本語 third\n"));
+}
+
+void CrashDiagnosticsTest::readOnlyLogIsReplacedWhole()
+{
+    QTemporaryDir dir;
+    QVERIFY(UnprivilegedUser::openFolder(dir.path()));
+    {
+        QFile log(dir.filePath(u"diagnostics.log"_s));
+        QVERIFY(log.open(QIODevice::WriteOnly));
+        log.write("[2026-11-15T21:05:00Z] before\n");
+    }
+    QVERIFY(QFile::setPermissions(dir.filePath(u"diagnostics.log"_s), QFile::ReadOwner | QFile::ReadOther));
+    {
+        UnprivilegedUser user;
+        QVERIFY(user.isEffective());
+        CrashDiagnostics(dir.path()).write(u"after"_s);
+    }
+    // The line replaces what was there, in a file the user can append to again.
+    QCOMPARE(loggedMessages(dir.path()), QStringList{u"after"_s});
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{u"diagnostics.log"_s});
+    QCOMPARE(QFile::permissions(dir.filePath(u"diagnostics.log"_s)) & QFile::WriteOwner, QFile::WriteOwner);
 }
 
 void CrashDiagnosticsTest::uncaughtExceptionIsRecorded_data()

@@ -5,7 +5,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
+#include <QTemporaryFile>
 
 #include <cerrno>
 #include <csignal>
@@ -15,6 +15,7 @@
 #include <exception>
 #include <execinfo.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 int vistrelDiagnosticsFD = -1;
@@ -36,17 +37,19 @@ constexpr int kFatalSignals[] = {SIGABRT, SIGILL, SIGSEGV, SIGBUS, SIGTRAP, SIGF
 
 CrashDiagnostics *installedDiagnostics = nullptr;
 
-void writeAll(int fd, const char *bytes, size_t length)
+// True when every byte went out.
+bool writeAll(int fd, const char *bytes, size_t length)
 {
     while (length > 0) {
         const ssize_t written = ::write(fd, bytes, length);
         if (written < 0 && errno == EINTR)
             continue;
         if (written <= 0)
-            return;
+            return false;
         bytes += written;
         length -= size_t(written);
     }
+    return true;
 }
 
 QString currentExceptionTypeName()
@@ -95,6 +98,21 @@ QStringList currentStack()
         installedDiagnostics->write(
             CrashDiagnostics::uncaughtExceptionRecord(QStringLiteral("C++ exception"), name, reason, currentStack()));
     std::abort();
+}
+
+// Writes `bytes` beside `path` and renames the result over it, whatever the old file's permissions.
+// Failures are dropped: standard error still gets the line.
+void replaceWhole(const QString &path, const QByteArray &bytes)
+{
+    QTemporaryFile file(path + QStringLiteral(".XXXXXX"));
+    if (!file.open())
+        return;
+    const int fd = file.handle();
+    const bool isWritten = ::fchmod(fd, 0644) == 0 && writeAll(fd, bytes.constData(), size_t(bytes.size()))
+        && ::fsync(fd) == 0;
+    if (isWritten
+        && ::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(path).constData()) == 0)
+        file.setAutoRemove(false);
 }
 
 } // namespace
@@ -156,13 +174,11 @@ void CrashDiagnostics::write(const QString &message)
     if (fd >= 0) {
         writeAll(fd, line.constData(), size_t(line.size()));
         ::close(fd);
-    } else if (errno == ENOENT) {
-        // The first line creates the file whole, so a reader never sees it half-written.
-        QSaveFile file(m_logPath);
-        if (file.open(QIODevice::WriteOnly)) {
-            file.write(line);
-            file.commit();
-        }
+    } else {
+        // The first line creates the file whole, so a reader never sees it half-written. A file that
+        // exists but takes no appending (read-only, not a plain file) is replaced the same way: the
+        // line counts for more than what came before it.
+        replaceWhole(m_logPath, line);
     }
     std::fputs(line.constData(), stderr);
 }
