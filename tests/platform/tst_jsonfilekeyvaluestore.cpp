@@ -1,8 +1,10 @@
 #include "FakeSystemLog.h"
 #include "JsonFileKeyValueStore.h"
+#include "UnprivilegedUser.h"
 
 #include "settings/UserDefaults.h"
 
+#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -26,6 +28,7 @@ class JsonFileKeyValueStoreTest : public QObject
 private slots:
     void typesSurviveARestart();
     void corruptFileIsKeptAsideAndDefaultsApply();
+    void unreadableFileIsNeverWrittenOver();
     void unwritableLocationKeepsValuesInMemory();
     void killedWriterNeverLeavesAnUnreadableFile();
 };
@@ -82,6 +85,42 @@ void JsonFileKeyValueStoreTest::corruptFileIsKeptAsideAndDefaultsApply()
     store.setValue(u"VistrelIncludeDate"_s, true);
     QVERIFY(store.sync());
     QVERIFY(JsonFileKeyValueStore(path, log).value(u"VistrelIncludeDate"_s));
+}
+
+void JsonFileKeyValueStoreTest::unreadableFileIsNeverWrittenOver()
+{
+    QTemporaryDir dir;
+    QVERIFY(UnprivilegedUser::openFolder(dir.path()));
+    const QString path = dir.filePath(u"settings.json"_s);
+    const QByteArray saved = "{\"VistrelFilenamePrefix\": \"Shot\"}";
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(saved);
+    }
+    QVERIFY(QFile::setPermissions(path, {}));
+    FakeSystemLog log;
+    {
+        UnprivilegedUser user;
+        QVERIFY(user.isEffective());
+        JsonFileKeyValueStore store(path, log);
+        QVERIFY(store.keys().isEmpty());
+        store.setValue(u"VistrelIncludeDate"_s, true);
+        QVERIFY(!store.sync());
+        QVERIFY(!store.sync());
+        QCOMPARE(store.value(u"VistrelIncludeDate"_s), std::optional<QVariant>(true));
+    }
+    // Said once, at start-up, with what becomes of the file and of the session's changes.
+    QCOMPARE(log.messages().size(), 1);
+    QVERIFY2(log.messages().first().startsWith(u"Vistrel: 設定ファイルを読み込めませんでした: "_s + path),
+             qPrintable(log.messages().first()));
+    QVERIFY2(log.messages().first().endsWith(u"ファイルはそのまま残し、この間の変更は保存しません"_s),
+             qPrintable(log.messages().first()));
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{u"settings.json"_s});
+    QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), saved);
 }
 
 void JsonFileKeyValueStoreTest::unwritableLocationKeepsValuesInMemory()

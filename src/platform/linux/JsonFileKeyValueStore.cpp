@@ -21,14 +21,18 @@ void JsonFileKeyValueStore::load()
     QFile file(m_path);
     if (!file.exists())
         return;
-    if (!file.open(QIODevice::ReadOnly)) {
-        m_systemLog.log(QStringLiteral("Vistrel: 設定ファイルを読み込めませんでした: %1 (%2)")
+    const QByteArray contents = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    if (file.error() != QFileDevice::NoError) {
+        // The values may be fine, only out of reach (permissions, a failing disk): never write over them.
+        m_isUnreadable = true;
+        m_systemLog.log(QStringLiteral("Vistrel: 設定ファイルを読み込めませんでした: %1 (%2)。既定値で起動します。"
+                                       "ファイルはそのまま残し、この間の変更は保存しません")
                             .arg(m_path, file.errorString()));
         return;
     }
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
     file.close();
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(contents, &error);
     if (document.isObject()) {
         m_values = document.object();
         return;
@@ -73,6 +77,8 @@ bool JsonFileKeyValueStore::sync()
 {
     if (!m_isDirty)
         return true;
+    if (m_isUnreadable)
+        return false;
     QDir().mkpath(QFileInfo(m_path).absolutePath());
     if (const std::optional<QString> error = atomicfile::write(m_path, QJsonDocument(m_values).toJson())) {
         m_systemLog.log(QStringLiteral("Vistrel: 設定を保存できませんでした: %1 (%2)").arg(m_path, *error));

@@ -12,7 +12,8 @@ class SystemLog;
 // kill at any moment leaves either the previous or the new contents.
 //
 // A file that cannot be parsed is moved aside (".unreadable") rather than overwritten, reported in the
-// system log, and the application starts from the defaults.
+// system log, and the application starts from the defaults. A file that cannot be read at all is left
+// where it is and never written: the session starts from the defaults and keeps its changes in memory.
 class JsonFileKeyValueStore final : public KeyValueStore
 {
 public:
@@ -33,4 +34,5 @@ private:
     SystemLog &m_systemLog;
     QJsonObject m_values;
     bool m_isDirty = false;
+    bool m_isUnreadable = false;
 };
