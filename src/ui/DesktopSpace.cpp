@@ -44,13 +44,20 @@ bool holds(const QRect &outer, const QRect &inner)
 QList<DesktopScreen> withoutCoveringScreens(const QList<DesktopScreen> &screens)
 {
     QList<DesktopScreen> kept;
-    for (const DesktopScreen &candidate : screens) {
+    for (qsizetype i = 0; i < screens.size(); ++i) {
+        const DesktopScreen &candidate = screens.at(i);
         // A covering monitor shares the logical space with the monitors it holds. Displays that only
         // seem to hold one another in pixels (a Retina display beside a 1x one, on macOS, where Qt's
-        // logical space is the real layout in points) lie side by side there.
+        // logical space is the real layout in points) lie side by side there. Of monitors with the same
+        // rectangle (a user-defined one over the automatic one, mirrored outputs) the first, which is
+        // the primary one when either is, stands for all.
         bool covers = false;
-        for (const DesktopScreen &other : screens)
-            covers = covers || (holds(candidate.native, other.native) && candidate.logical.intersects(other.logical));
+        for (qsizetype j = 0; j < screens.size(); ++j) {
+            const DesktopScreen &other = screens.at(j);
+            const bool repeats = j < i && candidate.native == other.native;
+            covers = covers
+                || ((holds(candidate.native, other.native) || repeats) && candidate.logical.intersects(other.logical));
+        }
         if (!covers)
             kept.append(candidate);
     }

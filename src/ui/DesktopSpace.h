@@ -30,8 +30,9 @@ struct DesktopScreen
 // Every adapter converts through here, so the spaces agree everywhere.
 namespace desktopspace {
 
-// Without displays whose rectangle holds another whole display and overlaps it in the logical space:
-// the X server's automatic monitor that spans a screen split into user-defined monitors. Order kept.
+// Without displays whose rectangle holds another whole display and overlaps it in the logical space
+// (the X server's automatic monitor that spans a screen split into user-defined monitors), and
+// without repeats of an earlier display's rectangle. Order kept.
 QList<DesktopScreen> withoutCoveringScreens(const QList<DesktopScreen> &screens);
 
 // The display holding the point, else the nearest one; null for an empty list.

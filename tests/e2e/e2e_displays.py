@@ -1,10 +1,12 @@
 #!/usr/bin/python3
 """Two displays on one X screen (RandR monitors): one overlay per display, and captures on either
-display equal to the desktop, first with both at 1x, then with the left one at 2x."""
+display equal to the desktop, first with both at 1x, then with the left one at 2x. A user-defined
+monitor with the left display's rectangle is that display again, not a third one."""
 from vistrel_e2e import *  # noqa: F401,F403 - the helpers of these tests
 
 run("xrandr", "--setmonitor", "LEFT", "1920/500x1080/280+0+0", "none")
 run("xrandr", "--setmonitor", "RIGHT", "1920/500x1080/280+1920+0", "none")
+run("xrandr", "--setmonitor", "LEFT-AGAIN", "1920/500x1080/280+0+0", "none")
 desk = background()
 
 
