@@ -9,7 +9,10 @@
 #include "app/SettingsFormTexts.h"
 
 #include <QScreen>
+#include <QWindow>
 #include <QVBoxLayout>
+
+#include <utility>
 
 namespace {
 
@@ -59,7 +62,8 @@ QtSettingsWindow::~QtSettingsWindow()
 
 bool QtSettingsWindow::isVisible() const
 {
-    return m_widget && m_widget->isVisible();
+    // Minimized, it is out of sight and comes back as from hidden.
+    return m_widget && m_widget->isVisible() && !m_widget->isMinimized();
 }
 
 Rect QtSettingsWindow::frame() const
@@ -79,7 +83,31 @@ void QtSettingsWindow::setFrame(const Rect &frame)
 {
     if (!m_widget)
         return;
-    windowframe::setFrameGeometry(*m_widget, fromGlobal(frame));
+    const QRect wanted = fromGlobal(frame);
+    windowframe::setFrameGeometry(*m_widget, wanted);
+    if (windowframe::decorationMargins(*m_widget).isNull())
+        m_unframedFrame = wanted;
+    else
+        m_unframedFrame.reset();
+}
+
+void QtSettingsWindow::watchFrame()
+{
+    QWindow *handle = m_widget ? m_widget->windowHandle() : nullptr;
+    if (!handle || m_isWatchingFrame)
+        return;
+    m_isWatchingFrame = true;
+    // The window manager's framing moves the inside by the title bar and border.
+    const auto refit = [this] {
+        if (!m_widget || !m_unframedFrame || windowframe::decorationMargins(*m_widget).isNull())
+            return;
+        const QRect wanted = *std::exchange(m_unframedFrame, std::nullopt);
+        windowframe::setFrameGeometry(*m_widget, wanted);
+    };
+    QObject::connect(handle, &QWindow::xChanged, m_widget, refit);
+    QObject::connect(handle, &QWindow::yChanged, m_widget, refit);
+    QObject::connect(handle, &QWindow::widthChanged, m_widget, refit);
+    QObject::connect(handle, &QWindow::heightChanged, m_widget, refit);
 }
 
 void QtSettingsWindow::makeKeyAndOrderFront()
@@ -87,6 +115,7 @@ void QtSettingsWindow::makeKeyAndOrderFront()
     if (!m_widget)
         return;
     m_widget->showNormal();
+    watchFrame();
     m_widget->raise();
     m_widget->activateWindow();
 }

@@ -9,6 +9,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 class AppSettings;
 class FolderChooser;
@@ -18,7 +19,7 @@ class SoftwareUpdaterModel;
 
 // The settings window: a top-level widget titled "Vistrel 設定", 560 × 860 at first and at least
 // 480 × 320, showing the settings form. Closing only hides it, so the same window comes back, and
-// Ctrl+Q closes it instead of quitting. Frames are converted between Qt's desktop and the global
+// Ctrl+Q closes it instead of quitting. A minimized window counts as hidden. Frames are converted between Qt's desktop and the global
 // bottom-left space of the displays. Made on first use by the application controller; main thread.
 class QtSettingsWindow final : public SettingsWindow
 {
@@ -49,7 +50,13 @@ public:
     SettingsFormWidget *form() const { return m_formWidget; }
 
 private:
+    void watchFrame();
+
     std::unique_ptr<SettingsForm> m_form;
+    // The frame asked for before the window manager had framed the window, whose title bar it therefore
+    // left out; asked for again once the title bar is known.
+    std::optional<QRect> m_unframedFrame;
+    bool m_isWatchingFrame = false;
     QPointer<QWidget> m_widget;
     SettingsFormWidget *m_formWidget = nullptr;
 };

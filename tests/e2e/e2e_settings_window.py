@@ -1,7 +1,9 @@
 #!/usr/bin/python3
 """The settings window edits every setting with the real pointer and keyboard (xdotool), finding its
 controls through the accessibility bus; the values are in the settings file and come back after a
-restart. Cancelling the folder chooser changes nothing. Ctrl+Q closes the window, not Vistrel."""
+restart. Cancelling the folder chooser changes nothing. Ctrl+Q closes the window, not Vistrel. On a
+1280x800 screen (a desktop of its own) the whole window, title bar included, opens on the screen, also
+when it comes back from being minimized."""
 import vistrel_a11y as a11y
 from vistrel_editor import OUTPUT  # noqa: F401 - where the screenshots go
 from vistrel_e2e import *  # noqa: F401,F403 - the helpers of these tests
@@ -11,6 +13,46 @@ CAPTURE = "現在のショートカット"
 REPEAT = "繰り返し撮影ショートカット"
 SHOTS = os.path.join(HOME, "Shots")
 AUTOSTART = os.path.join(os.environ["XDG_CONFIG_HOME"], "autostart", "vistrel.desktop")
+
+
+def frame_and_work_area():
+    """The settings window's frame (title bar and borders included) and the work area, as (x, y, x2, y2)."""
+    found = run("xdotool", "search", "--onlyvisible", "--name", f"^{TITLE}$").stdout.split()
+    if not found:
+        return None, None
+    window = found[0]
+    info = run("xwininfo", "-id", window).stdout
+    x, y, width, height = (int(re.search(rf"{label}:\s+(-?\d+)", info).group(1))
+                           for label in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
+    extents = re.findall(r"\d+", run("xprop", "-id", window, "_NET_FRAME_EXTENTS").stdout.split("=")[-1])
+    left, right, top, bottom = (int(value) for value in extents) if len(extents) == 4 else (0, 0, 0, 0)
+    area = [int(value) for value in run("xprop", "-root", "_NET_WORKAREA").stdout.split("=")[1].split(",")[:4]]
+    return (x - left, y - top, x + width + right, y + height + bottom), (area[0], area[1], area[0] + area[2],
+                                                                      area[1] + area[3])
+
+
+def check_on_screen(label):
+    frame, area = wait_until(lambda: frame_and_work_area()[0] and frame_and_work_area(), 5) or (None, None)
+    check(frame and area[1] <= frame[1] and frame[3] <= area[3] and area[0] <= frame[0] and frame[2] <= area[2],
+          f"{label}: the settings window's frame {frame} is not within the work area {area}")
+    return frame
+
+
+if sys.argv[3:] == ["short-screen"]:
+    app = Vistrel()
+    run(VISTREL, "settings", timeout=20)
+    time.sleep(0.8)
+    check_on_screen("first opening")
+    # Dragged up by its title bar beyond the top edge, then minimized: it opens fitted again.
+    window = run("xdotool", "search", "--onlyvisible", "--name", f"^{TITLE}$").stdout.split()
+    if check(window, "the settings window did not open"):
+        run("xdotool", "windowmove", window[0], "200", "-100")
+        run("xdotool", "windowminimize", "--sync", window[0])
+        run(VISTREL, "settings", timeout=20)
+        time.sleep(0.8)
+        check_on_screen("from minimized")
+    app.quit()
+    finish("settings window on a short screen")
 
 
 def open_settings():
@@ -141,4 +183,9 @@ if window:
     shown = read(window)
     check(shown == EXPECTED, f"after a restart the form shows {shown}")
 app.quit()
+
+short = run("bash", os.path.join(os.path.dirname(os.path.abspath(__file__)), "run-in-session.sh"), "--size", "1280x800",
+            "--", sys.executable, os.path.abspath(__file__), VISTREL, PROBE, "short-screen", timeout=120)
+print(short.stdout + short.stderr, end="")
+check(short.returncode == 0, "the settings window does not fit a 1280x800 screen")
 finish("settings window")
