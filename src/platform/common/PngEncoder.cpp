@@ -1,8 +1,8 @@
 #include "PngEncoder.h"
 
+#include "AtomicFile.h"
 #include "PngImageData.h"
 
-#include <QSaveFile>
 #include <QtEndian>
 
 #include <libdeflate.h>
@@ -75,11 +75,11 @@ std::optional<PngWriter::Failure> writeFile(const PngPixels &pixels, const QStri
     const QByteArray png = encode(pixels, compressionLevel, mayUseSecondThread);
     if (png.isEmpty())
         return PngWriter::Failure{PngWriter::Failure::Kind::CannotWrite, u"the image could not be encoded as PNG"_s};
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return PngWriter::Failure{PngWriter::Failure::Kind::CannotCreateDestination, file.errorString()};
-    if (file.write(png) != png.size() || !file.commit())
-        return PngWriter::Failure{PngWriter::Failure::Kind::CannotWrite, file.errorString()};
+    if (const std::optional<atomicfile::Failure> failure = atomicfile::replace(path, png)) {
+        return PngWriter::Failure{failure->isCreating ? PngWriter::Failure::Kind::CannotCreateDestination
+                                                      : PngWriter::Failure::Kind::CannotWrite,
+                                  failure->description};
+    }
     return std::nullopt;
 }
 

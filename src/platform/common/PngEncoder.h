@@ -16,8 +16,8 @@ namespace pngencoder {
 
 // The whole file; empty when memory or a compressor failed or the picture is empty.
 QByteArray encode(const PngPixels &pixels, int compressionLevel, bool mayUseSecondThread);
-// Writes the file at `path`, replacing any file of that name: beside it and renamed over it, so a
-// failed write never leaves half a file.
+// Writes the file at `path`, replacing any file of that name through atomicfile, so a failed or killed
+// write never leaves half a file under that name.
 std::optional<PngWriter::Failure> writeFile(const PngPixels &pixels, const QString &path, int compressionLevel,
                                             bool mayUseSecondThread);
 
