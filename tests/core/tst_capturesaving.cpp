@@ -1,9 +1,13 @@
 #include "TestPrinters.h"
 #include "helpers/CaptureFixture.h"
+#include "helpers/SaveTrouble.h"
+
+#include "FastPngWriter.h"
 
 #include "capture/FileNaming.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QScopeGuard>
 #include <QTest>
@@ -24,6 +28,8 @@ private slots:
     void symbolicLinksInTheFolderAreResolved();
     void completeCaptureRunsInOrder();
     void failedSaveStopsBeforeTheEditor();
+    void troubleWhileSavingLeavesNothingAndPasses_data();
+    void troubleWhileSavingLeavesNothingAndPasses();
     void shutterSound_data();
     void shutterSound();
 };
@@ -170,6 +176,52 @@ void CaptureSavingTest::failedSaveStopsBeforeTheEditor()
     QVERIFY(!f.lines().contains(u"capture saved and scheduleEditNotification"_s));
     QCOMPARE(f.pasteboard.contents.size(), 1);
     QCOMPARE(f.sounds.played.size(), 1);
+}
+
+void CaptureSavingTest::troubleWhileSavingLeavesNothingAndPasses_data()
+{
+    QTest::addColumn<SaveTrouble::Kind>("trouble");
+    QTest::addColumn<QString>("message"); // %1 is the save folder
+    const QString writeFailed = u"Vistrel: PNGデータの書き込みに失敗しました。"_s;
+    QTest::newRow("file size limit reached midway") << SaveTrouble::Kind::FileSizeLimit << writeFailed;
+    QTest::newRow("disk full midway") << SaveTrouble::Kind::DiskFull << writeFailed;
+    QTest::newRow("folder is a file") << SaveTrouble::Kind::FolderIsAFile
+                                      << u"Vistrel: 保存先がディレクトリではありません: %1"_s;
+    QTest::newRow("folder cannot be created") << SaveTrouble::Kind::FolderNotCreatable
+                                              << u"Vistrel: ファイル保存に失敗しました: Not a directory"_s;
+}
+
+// Real files and real failures: the user is told, the capture is still on the clipboard, no file or
+// temporary is left, and the next capture is saved once the trouble is gone.
+void CaptureSavingTest::troubleWhileSavingLeavesNothingAndPasses()
+{
+    QFETCH(SaveTrouble::Kind, trouble);
+    QFETCH(QString, message);
+    CaptureFixture f;
+    const FastPngWriter writer;
+    f.pngWriter.writer = &writer;
+    const QString root = QFileInfo(f.saveFolder.path()).canonicalFilePath();
+    SaveTrouble cause(trouble, root);
+    if (!cause.skipReason.isEmpty())
+        QSKIP(qPrintable(cause.skipReason));
+    f.settings.setSaveFolderPath(cause.folder);
+    const QImage capture = SaveTrouble::incompressible();
+
+    f.manager.completeCapture(capture, QSizeF(capture.size()));
+    f.scheduler.runBackgroundTasks();
+    QCOMPARE(f.systemLog.messages(), QStringList{message.replace(u"%1"_s, cause.folder)});
+    QCOMPARE(f.pasteboard.contents, QList<QImage>{capture});
+    QVERIFY(f.editor.urls.isEmpty());
+    for (QDirIterator it(root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); it.hasNext();)
+        QCOMPARE(it.next(), root + u"/file.txt"_s);
+
+    cause.lift();
+    f.manager.completeCapture(capture, QSizeF(capture.size()));
+    f.scheduler.runBackgroundTasks();
+    const QString saved = cause.folder + u"/Vistrel_2024-05-01_13-07-42.png"_s;
+    QCOMPARE(f.editor.urls, QList<QUrl>{QUrl::fromLocalFile(saved)});
+    QCOMPARE(QImage(saved).convertToFormat(QImage::Format_RGB32), capture);
+    QCOMPARE(f.systemLog.messages().size(), 1);
 }
 
 void CaptureSavingTest::shutterSound_data()

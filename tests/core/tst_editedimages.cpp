@@ -1,9 +1,11 @@
 #include "helpers/EditorManagerFixture.h"
+#include "helpers/SaveTrouble.h"
 
 #include "FastPngWriter.h"
 
 #include <QBuffer>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QTest>
 
@@ -49,6 +51,8 @@ private slots:
     void savingWithoutSourceCreatesTheCaptureFolder();
     void saveFailures_data();
     void saveFailures();
+    void troubleWhileSavingLeavesNothingAndPasses_data();
+    void troubleWhileSavingLeavesNothingAndPasses();
     void primarySaveReadsTheSourceAtSaveTime();
     void detachedSaveUsesItsOwnSource();
     void unreadableFileIsAlertedAndLogged();
@@ -192,6 +196,52 @@ void EditedImagesTest::saveFailures()
     QCOMPARE(window->closeCount, 0);
     QCOMPARE(f.manager.detachedEditorWindows().size(), 1);
     QVERIFY(f.pasteboard.contents.isEmpty());
+}
+
+void EditedImagesTest::troubleWhileSavingLeavesNothingAndPasses_data()
+{
+    QTest::addColumn<SaveTrouble::Kind>("trouble");
+    QTest::addColumn<QString>("message"); // %1 is the save folder
+    const QString writeFailed = u"Vistrel: 編集画像PNGの書き込みに失敗しました。"_s;
+    QTest::newRow("file size limit reached midway") << SaveTrouble::Kind::FileSizeLimit << writeFailed;
+    QTest::newRow("disk full midway") << SaveTrouble::Kind::DiskFull << writeFailed;
+    QTest::newRow("folder is a file") << SaveTrouble::Kind::FolderIsAFile << noDirectoryMessage + u"%1"_s;
+    QTest::newRow("folder cannot be created") << SaveTrouble::Kind::FolderNotCreatable
+                                              << u"Vistrel: 編集画像の保存に失敗しました: Not a directory"_s;
+}
+
+// Real files and real failures, for a picture from the clipboard saved into the capture folder: the
+// failure is logged, the window stays open, no file or temporary is left, and saving again once the
+// trouble is gone writes the picture and closes the window.
+void EditedImagesTest::troubleWhileSavingLeavesNothingAndPasses()
+{
+    QFETCH(SaveTrouble::Kind, trouble);
+    QFETCH(QString, message);
+    FastPngWriter writer;
+    EditorManagerFixture f(&writer);
+    const QString root = QFileInfo(f.captureFolder.path()).canonicalFilePath();
+    SaveTrouble cause(trouble, root);
+    if (!cause.skipReason.isEmpty())
+        QSKIP(qPrintable(cause.skipReason));
+    f.settings.setSaveFolderPath(cause.folder);
+    f.settings.setIncludeDate(false);
+    const QImage picture = SaveTrouble::incompressible();
+    f.manager.openDetachedEditorWindow(std::make_shared<ImageEditorModel>(picture, f.store), std::nullopt);
+    FakeEditorWindow *window = f.lastWindow();
+    const auto view = window->contentAs<ImageEditorView>();
+
+    view->save();
+    QCOMPARE(f.systemLog.messages(), QStringList{message.replace(u"%1"_s, cause.folder)});
+    QCOMPARE(window->closeCount, 0);
+    QVERIFY(f.pasteboard.contents.isEmpty());
+    for (QDirIterator it(root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); it.hasNext();)
+        QCOMPARE(it.next(), root + u"/file.txt"_s);
+
+    cause.lift();
+    view->save();
+    QCOMPARE(window->closeCount, 1);
+    QCOMPARE(QImage(cause.folder + u"/Vistrel_edited.png"_s).convertToFormat(QImage::Format_RGB32), picture);
+    QCOMPARE(f.systemLog.messages().size(), 1);
 }
 
 void EditedImagesTest::primarySaveReadsTheSourceAtSaveTime()

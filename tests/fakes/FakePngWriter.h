@@ -6,7 +6,8 @@
 #include <QMutex>
 #include <QStringList>
 
-// Writes nothing; records the paths it was given and fails when told to.
+// Records the paths it was given and fails when told to; writes nothing unless given a real writer
+// to pass the images on to.
 class FakePngWriter final : public PngWriter
 {
 public:
@@ -16,10 +17,13 @@ public:
         QMutexLocker lock(&m_mutex);
         paths.append(path);
         images.append(image);
+        if (!failure && writer)
+            return writer->writeFile(image, path);
         return failure;
     }
 
     std::optional<Failure> failure;
+    const PngWriter *writer = nullptr;
     mutable QStringList paths;
     mutable QList<QImage> images;
 
