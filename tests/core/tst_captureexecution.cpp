@@ -241,8 +241,9 @@ void CaptureExecutionTest::failedCaptureKeepsThePreviousRegion()
     const LastSelectionRegion first = *f.manager.state().lastSelectionRegion;
     f.sounds.played.clear();
 
+    // Every read fails: the freeze, the overlay's live background, the capture.
     f.capturer.displayOutcomes = {{QImage(), std::nullopt}, {QImage(), std::nullopt}};
-    f.capturer.rectOutcomes = {{QImage(), std::nullopt}, {QImage(), std::nullopt}};
+    f.capturer.rectOutcomes = {{QImage(), std::nullopt}, {QImage(), std::nullopt}, {QImage(), std::nullopt}};
     f.captureRegion(0, Rect(300, 300, 40, 40));
     QCOMPARE(f.linesStartingWith(u"capture attempts exhausted"_s),
              QStringList{u"capture attempts exhausted display=1"_s});

@@ -135,19 +135,21 @@ void SelectionSessionTest::freezeFallsBackThenLeavesTheDisplayLive_data()
     QTest::addColumn<bool>("listed");
     QTest::addColumn<bool>("rectWorks");
     QTest::addColumn<std::optional<QString>>("rectError");
+    QTest::addColumn<bool>("liveWorks");
     QTest::addColumn<QString>("expectedLine");
     QTest::addColumn<QString>("expectedFrozen");
     const QString frozen = u"selection window display=2 frame={{1440, -124}, {1280, 1024}} frozen=1280x1024"_s;
     const QString live = u"selection window display=2 frame={{1440, -124}, {1280, 1024}} frozen=nil"_s;
     QTest::newRow("display capture fails, the desktop rectangle works")
-        << std::optional<QString>(u"stopped"_s) << true << true << std::optional<QString>() << QString() << frozen;
+        << std::optional<QString>(u"stopped"_s) << true << true << std::optional<QString>() << false << QString()
+        << frozen;
     QTest::newRow("display not offered by the capture service, the desktop rectangle works")
-        << std::optional<QString>() << false << true << std::optional<QString>() << QString() << frozen;
-    QTest::newRow("both fail with an error")
-        << std::optional<QString>(u"stopped"_s) << true << false << std::optional<QString>(u"not permitted"_s)
+        << std::optional<QString>() << false << true << std::optional<QString>() << false << QString() << frozen;
+    QTest::newRow("both fail with an error, the live read works")
+        << std::optional<QString>(u"stopped"_s) << true << false << std::optional<QString>(u"not permitted"_s) << true
         << u"frozen capture failed display=2 frame={{1440, -124}, {1280, 1024}} error=not permitted"_s << live;
-    QTest::newRow("both fail without an error")
-        << std::optional<QString>() << false << false << std::optional<QString>()
+    QTest::newRow("both fail without an error, so does the live read")
+        << std::optional<QString>() << false << false << std::optional<QString>() << false
         << u"frozen capture failed display=2 frame={{1440, -124}, {1280, 1024}} error=unknown"_s << live;
 }
 
@@ -157,6 +159,7 @@ void SelectionSessionTest::freezeFallsBackThenLeavesTheDisplayLive()
     QFETCH(bool, listed);
     QFETCH(bool, rectWorks);
     QFETCH(std::optional<QString>, rectError);
+    QFETCH(bool, liveWorks);
     QFETCH(QString, expectedLine);
     QFETCH(QString, expectedFrozen);
     CaptureFixture f;
@@ -167,17 +170,23 @@ void SelectionSessionTest::freezeFallsBackThenLeavesTheDisplayLive()
     if (listed)
         f.capturer.displayOutcomes.append({QImage(), displayError});
     f.capturer.rectOutcomes = {{rectWorks ? image(QSize(1280, 1024)) : QImage(), rectError}};
+    if (!liveWorks)
+        f.capturer.rectOutcomes.append({QImage(), std::nullopt});
     f.showOverlay();
 
-    // The fallback gets the display's frame as it is, not flipped.
-    QCOMPARE(f.capturer.rectCalls, QList<Rect>{secondary.frame});
+    // The fallback gets the display's frame as it is, not flipped. A display left unfrozen is read once
+    // more where it is on the desktop, just before its overlay appears, and shows that under the dimming.
+    QList<Rect> rectCalls{secondary.frame};
+    if (!rectWorks)
+        rectCalls.append(Rect(1440, 0, 1280, 1024));
+    QCOMPARE(f.capturer.rectCalls, rectCalls);
     const int expectedCount = rectWorks ? 2 : 1;
     QCOMPARE(f.manager.state().frozenDisplaySnapshots.size(), expectedCount);
     QVERIFY(f.lines().contains(u"frozen displays captured count=%1 via ScreenCaptureKit"_s.arg(expectedCount)));
     QCOMPARE(f.linesStartingWith(u"frozen capture failed"_s),
              expectedLine.isEmpty() ? QStringList() : QStringList{expectedLine});
     QCOMPARE(f.linesStartingWith(u"selection window display=2"_s), QStringList{expectedFrozen});
-    QCOMPARE(f.view(1)->frozenBackgroundImage().isNull(), !rectWorks);
+    QCOMPARE(f.view(1)->frozenBackgroundImage().isNull(), !rectWorks && !liveWorks);
 }
 
 void SelectionSessionTest::windowsAreLoggedPerDisplay()

@@ -25,6 +25,29 @@ void DisplayFreezer::captureFrozenDisplayImages(std::function<void(Snapshots)> c
     captureNext(run);
 }
 
+void DisplayFreezer::captureLiveImages(QList<FrozenCaptureTarget> targets, std::function<void(Snapshots)> completion)
+{
+    auto run = std::make_shared<Run>();
+    run->targets = std::move(targets);
+    run->completion = std::move(completion);
+    readNext(run);
+}
+
+void DisplayFreezer::readNext(std::shared_ptr<Run> run)
+{
+    if (run->next >= run->targets.size()) {
+        run->completion(std::move(run->results));
+        return;
+    }
+    const FrozenCaptureTarget target = run->targets.at(run->next++);
+    const Rect globalRect = capturegeometry::cgGlobalRect(target.frame, m_attempts.desktopTopY());
+    m_attempts.captureRect(globalRect, [this, run, target](QImage image, std::optional<QString>) {
+        if (!image.isNull())
+            run->results.insert(target.id, FrozenDisplaySnapshot{std::move(image), target.frame});
+        readNext(run);
+    });
+}
+
 void DisplayFreezer::captureNext(std::shared_ptr<Run> run)
 {
     if (run->next >= run->targets.size()) {

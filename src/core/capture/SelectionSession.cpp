@@ -46,7 +46,24 @@ void SelectionSession::beginSelection()
             showSelectionWindow();
             return;
         }
-        captureFrozenDisplayImages([this] { showSelectionWindow(); });
+        captureFrozenDisplayImages([this] { readLiveBackgrounds([this] { showSelectionWindow(); }); });
+    });
+}
+
+void SelectionSession::readLiveBackgrounds(std::function<void()> completion)
+{
+    // Without a compositor an overlay cannot let the desktop show through, so a display without a
+    // frozen image gets what it shows now as its background; it is still captured live.
+    QList<FrozenCaptureTarget> unfrozen;
+    for (const DisplayInfo &screen : m_services.displays.screens()) {
+        if (screen.id && !m_state.frozenDisplaySnapshots.contains(*screen.id))
+            unfrozen.append({*screen.id, screen.frame, screen.backingScale});
+    }
+    m_freezer.captureLiveImages(unfrozen, [this, completion = std::move(completion)](DisplayFreezer::Snapshots live) {
+        m_liveBackgrounds.clear();
+        for (auto it = live.cbegin(); it != live.cend(); ++it)
+            m_liveBackgrounds.insert(it.key(), it->image);
+        completion();
     });
 }
 
@@ -81,6 +98,7 @@ void SelectionSession::showSelectionWindow()
         presentWindow(i, screens.at(i));
     for (int i = int(screens.size()); i < pool.size(); ++i)
         pool.at(i).window->orderOut();
+    m_liveBackgrounds.clear();
 }
 
 void SelectionSession::presentWindow(int index, const DisplayInfo &screen)
@@ -105,7 +123,8 @@ void SelectionSession::presentWindow(int index, const DisplayInfo &screen)
         if (found != m_state.frozenDisplaySnapshots.constEnd())
             snapshot = &*found;
     }
-    view.setFrozenBackgroundImage(snapshot ? snapshot->image : QImage());
+    view.setFrozenBackgroundImage(snapshot ? snapshot->image
+                                  : screen.id ? m_liveBackgrounds.value(*screen.id) : QImage());
     view.resetForPresentation();
 
     QString line = u"selection window display="_s % trace::displayID(screen.id) % u" frame="_s

@@ -2,7 +2,9 @@
 
 #include "platform/DisplayProvider.h"
 
+#include <QImage>
 #include <QList>
+#include <QMap>
 #include <QString>
 
 #include <functional>
@@ -42,6 +44,7 @@ public:
 
 private:
     void beginSelection();
+    void readLiveBackgrounds(std::function<void()> completion);
     void presentWindow(int index, const DisplayInfo &screen);
 
     CaptureState &m_state;
@@ -49,4 +52,6 @@ private:
     PermissionGate &m_permission;
     DisplayFreezer &m_freezer;
     SelectionViewDelegate &m_viewDelegate;
+    // What the displays whose freeze failed showed just before the overlay, until it is shown.
+    QMap<quint32, QImage> m_liveBackgrounds;
 };
