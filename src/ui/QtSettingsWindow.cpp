@@ -9,12 +9,18 @@
 #include "app/SettingsFormTexts.h"
 
 #include <QScreen>
-#include <QWindow>
+#include <QTimer>
 #include <QVBoxLayout>
 
+#include <chrono>
 #include <utility>
 
 namespace {
+
+// How long to wait for the window manager's frame: 2 s.
+constexpr int refitTries = 100;
+constexpr std::chrono::milliseconds refitInterval{20};
+constexpr int nudgeEvery = 10;
 
 // Between Qt's desktop and the global bottom-left space of the displays.
 Rect toGlobal(const QRect &logical)
@@ -91,23 +97,24 @@ void QtSettingsWindow::setFrame(const Rect &frame)
         m_unframedFrame.reset();
 }
 
-void QtSettingsWindow::watchFrame()
+void QtSettingsWindow::refitWhenFramed(int triesLeft)
 {
-    QWindow *handle = m_widget ? m_widget->windowHandle() : nullptr;
-    if (!handle || m_isWatchingFrame)
+    if (!m_widget || !m_unframedFrame || !m_widget->isVisible())
         return;
-    m_isWatchingFrame = true;
-    // The window manager's framing moves the inside by the title bar and border.
-    const auto refit = [this] {
-        if (!m_widget || !m_unframedFrame || windowframe::decorationMargins(*m_widget).isNull())
+    if (windowframe::decorationMargins(*m_widget).isNull()) {
+        // Qt learns the frame's extents only with a configure notification, and none need come when
+        // the frame arrives without moving the inside: now and then a one-pixel resize brings one.
+        // Look again shortly, for a while; a window manager that draws no frame gets the size back.
+        if (triesLeft == 0) {
+            windowframe::setFrameGeometry(*m_widget, *std::exchange(m_unframedFrame, std::nullopt));
             return;
-        const QRect wanted = *std::exchange(m_unframedFrame, std::nullopt);
-        windowframe::setFrameGeometry(*m_widget, wanted);
-    };
-    QObject::connect(handle, &QWindow::xChanged, m_widget, refit);
-    QObject::connect(handle, &QWindow::yChanged, m_widget, refit);
-    QObject::connect(handle, &QWindow::widthChanged, m_widget, refit);
-    QObject::connect(handle, &QWindow::heightChanged, m_widget, refit);
+        }
+        if (triesLeft % nudgeEvery == 0)
+            m_widget->resize(m_widget->width(), m_widget->height() - 1);
+        QTimer::singleShot(refitInterval, m_widget, [this, triesLeft] { refitWhenFramed(triesLeft - 1); });
+        return;
+    }
+    windowframe::setFrameGeometry(*m_widget, *std::exchange(m_unframedFrame, std::nullopt));
 }
 
 void QtSettingsWindow::makeKeyAndOrderFront()
@@ -115,7 +122,7 @@ void QtSettingsWindow::makeKeyAndOrderFront()
     if (!m_widget)
         return;
     m_widget->showNormal();
-    watchFrame();
+    refitWhenFramed(refitTries);
     m_widget->raise();
     m_widget->activateWindow();
 }

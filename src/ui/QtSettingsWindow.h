@@ -50,13 +50,12 @@ public:
     SettingsFormWidget *form() const { return m_formWidget; }
 
 private:
-    void watchFrame();
+    void refitWhenFramed(int triesLeft);
 
     std::unique_ptr<SettingsForm> m_form;
     // The frame asked for before the window manager had framed the window, whose title bar it therefore
     // left out; asked for again once the title bar is known.
     std::optional<QRect> m_unframedFrame;
-    bool m_isWatchingFrame = false;
     QPointer<QWidget> m_widget;
     SettingsFormWidget *m_formWidget = nullptr;
 };
