@@ -99,6 +99,13 @@ std::unique_ptr<SettingsWindow> LinuxPlatform::makeSettingsWindow(AppSettings &s
         XdgAutostartLoginItem::settingsCaption()});
 }
 
+void LinuxPlatform::setTrace(const std::function<void(const QString &line)> &trace) const
+{
+    m_workspace->setTrace(trace);
+    m_statusItem->setTrace(trace);
+    m_sounds->setTrace(trace);
+}
+
 PlatformServices LinuxPlatform::services() const
 {
     PlatformServices services;

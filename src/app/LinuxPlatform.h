@@ -5,6 +5,7 @@
 #include <QProcessEnvironment>
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 #include <xcb/xcb.h>
@@ -53,8 +54,9 @@ public:
     PlatformServices services() const;
     // The settings window, made when the user first asks for it.
     std::unique_ptr<SettingsWindow> makeSettingsWindow(AppSettings &settings, SoftwareUpdaterModel &updater) const;
-    // Given the diagnostics log once the process-wide instances exist.
-    DesktopWorkspace &workspace() const { return *m_workspace; }
+    // Given the diagnostics log once the process-wide instances exist: the adapters that trace what
+    // the desktop lacks or refuses (no tray, no sound, a settings pane of macOS).
+    void setTrace(const std::function<void(const QString &line)> &trace) const;
 
     // $XDG_STATE_HOME/Vistrel, by default ~/.local/state/Vistrel.
     static QString diagnosticsLogFolder(const QProcessEnvironment &environment);

@@ -88,7 +88,7 @@ extern "C" Q_DECL_EXPORT int vistrelApplicationMain(int argc, char **argv)
     LinuxPlatform platform(x11->connection(), environment);
     const PlatformServices services = platform.services();
     PlatformServices::install(services);
-    platform.workspace().setTrace([](const QString &line) { CrashDiagnostics::shared().write(line); });
+    platform.setTrace([](const QString &line) { CrashDiagnostics::shared().write(line); });
 
     const std::unique_ptr<AppDelegate> delegate = applaunch::makeDelegate(
         app, [&platform] { return platform.makeSettingsWindow(AppSettings::shared(), SoftwareUpdaterModel::shared()); });

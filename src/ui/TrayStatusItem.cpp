@@ -40,6 +40,9 @@ void TrayStatusItem::show(const Appearance &appearance, ClickHandler onClick)
 {
     m_onClick = std::move(onClick);
     if (!m_icon) {
+        // Qt docks the icon by itself when a tray starts later; until then only the shortcuts reach us.
+        if (m_trace && !QSystemTrayIcon::isSystemTrayAvailable())
+            m_trace(QStringLiteral("status item: no system tray to show the icon in; it appears once a tray starts"));
         m_icon = std::make_unique<QSystemTrayIcon>();
         connect(m_icon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
             const std::optional<ClickEvent> click =

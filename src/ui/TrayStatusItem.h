@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QSystemTrayIcon>
 
+#include <functional>
 #include <memory>
 
 class QAction;
@@ -28,6 +29,10 @@ public:
     void setToggleChecked(bool checked) override;
     void popUpMenu() override;
 
+    // Where the item says that no tray shows it (the diagnostics log).
+    using Trace = std::function<void(const QString &line)>;
+    void setTrace(Trace trace) { m_trace = std::move(trace); }
+
     QMenu *menu() const { return m_menu.get(); }
     QSystemTrayIcon *trayIcon() const { return m_icon.get(); }
 
@@ -37,6 +42,7 @@ private:
     QAction *m_toggle = nullptr;
     ClickHandler m_onClick;
     ActionHandler m_onAction;
+    Trace m_trace;
 };
 
 namespace trayclick {

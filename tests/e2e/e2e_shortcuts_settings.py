@@ -1,7 +1,6 @@
 #!/usr/bin/python3
-"""A capture shortcut another client holds fails cleanly while the repeat shortcut works; a settings
-change from the tray menu is saved at once, re-registers the shortcuts, takes effect, and survives a
-restart."""
+"""A capture shortcut another client held at the start works after a settings change from the tray menu:
+the change is saved at once, re-registers the shortcuts, takes effect, and survives a restart."""
 import subprocess
 
 from vistrel_e2e import *  # noqa: F401,F403 - the helpers of these tests
@@ -12,17 +11,9 @@ check(holder.stdout.readline().strip() == "grabbed", "the other client could not
 tray = subprocess.Popen(["trayer", "--edge", "top", "--align", "left", "--height", "32", "--widthtype", "pixel",
                          "--width", "200"])
 app = Vistrel()
+# How the refused shortcut is reported, and that it never reaches Vistrel, e2e_missing_services.py checks.
 check(wait_until(lambda: "Vistrel: ホットキーの登録に失敗しました: 10" in app.system_log()),
-      "the refused capture shortcut is not in the system log with BadAccess (10)")
-check("繰り返し撮影ホットキーの登録に失敗しました" not in app.system_log(), "the repeat shortcut failed too")
-
-before = len(log_lines())
-key("shift+super+s")
-key("shift+super+r")
-check(wait_for_line("hotkey captured kind=repeat", before), "the repeat shortcut does not work")
-check(wait_for_line("repeat capture skipped: no previous selection", before), "the repeat refusal is not traced")
-check(not wait_for_line("hotkey captured kind=selection", before, timeout=0.5),
-      "the shortcut held by the other client reached Vistrel")
+      "the capture shortcut was not refused")
 holder.kill()
 holder.wait()
 

@@ -77,10 +77,10 @@ class Vistrel:
 
     def __init__(self, extra_environment=None, tag="vistrel"):
         self.stderr_path = os.path.join(SESSION, f"{tag}.stderr")
-        environment = dict(os.environ, **(extra_environment or {}))
+        self.environment = dict(os.environ, **(extra_environment or {}))
         before = len(log_lines())
         self.process = subprocess.Popen([VISTREL], stdout=subprocess.DEVNULL,
-                                        stderr=open(self.stderr_path, "w"), env=environment)
+                                        stderr=open(self.stderr_path, "w"), env=self.environment)
         self.started = wait_for_line("applicationDidFinishLaunching completed", before) is not None
         check(self.started, "vistrel did not finish launching")
 
@@ -90,7 +90,7 @@ class Vistrel:
 
     def quit(self):
         """Asks the running instance to quit, as a second start would, and waits for it to end."""
-        asked = run(VISTREL, "quit", timeout=20)
+        asked = run(VISTREL, "quit", timeout=20, env=self.environment)
         try:
             self.process.wait(timeout=10)
         except subprocess.TimeoutExpired:
@@ -120,12 +120,16 @@ def drag(start, end, during=None):
     run("xdotool", "mouseup", "1")
 
 
-def start_selection(shortcut="shift+super+s"):
-    """Presses the capture shortcut and waits until every overlay window is up."""
+def start_selection(shortcut="shift+super+s", environment=None):
+    """Presses the capture shortcut, or without one asks the running instance ("vistrel select"), and
+    waits until every overlay window is up."""
     before = len(log_lines())
-    key(shortcut)
+    if shortcut:
+        key(shortcut)
+    else:
+        run(VISTREL, "select", timeout=20, env=environment)
     shown = wait_for_line("showSelectionWindow screens=", before)
-    if not check(shown, f"{shortcut} did not show the overlay"):
+    if not check(shown, f"{shortcut or 'vistrel select'} did not show the overlay"):
         return False
     count = int(shown.split("screens=")[1].split()[0])
     wait_until(lambda: len([l for l in log_lines()[before:] if l.startswith("selection window display=")]) >= count)

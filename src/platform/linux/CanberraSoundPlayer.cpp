@@ -25,7 +25,7 @@ ca_context *CanberraSoundPlayer::context()
 {
     if (m_context || m_contextFailed)
         return m_context;
-    if (ca_context_create(&m_context) != CA_SUCCESS) {
+    if ((m_openStatus = ca_context_create(&m_context)) != CA_SUCCESS) {
         m_context = nullptr;
         m_contextFailed = true;
         return nullptr;
@@ -33,7 +33,7 @@ ca_context *CanberraSoundPlayer::context()
     ca_context_change_props(m_context, CA_PROP_APPLICATION_NAME, "Vistrel", CA_PROP_APPLICATION_ID,
                             "org.vistrel.Vistrel", nullptr);
     // Opening picks the audio backend; without any, every sound fails and the bell takes over.
-    if (ca_context_open(m_context) != CA_SUCCESS) {
+    if ((m_openStatus = ca_context_open(m_context)) != CA_SUCCESS) {
         ca_context_destroy(m_context);
         m_context = nullptr;
         m_contextFailed = true;
@@ -51,11 +51,15 @@ bool CanberraSoundPlayer::playFile(const QString &path)
 
 bool CanberraSoundPlayer::playNamed(const QString &name)
 {
+    const QString event = eventIDForName(name);
     ca_context *c = context();
-    return c
-        && ca_context_play(c, 0, CA_PROP_EVENT_ID, eventIDForName(name).toUtf8().constData(),
-                           CA_PROP_EVENT_DESCRIPTION, "Vistrel", nullptr)
-        == CA_SUCCESS;
+    const int status = c ? ca_context_play(c, 0, CA_PROP_EVENT_ID, event.toUtf8().constData(),
+                                           CA_PROP_EVENT_DESCRIPTION, "Vistrel", nullptr)
+                         : m_openStatus;
+    // Without an audio device the ALSA back end reports the event as not found.
+    if (status != CA_SUCCESS && m_trace)
+        m_trace(u"sound "_s % event % u" not played (libcanberra: "_s % QString::fromUtf8(ca_strerror(status)) % u')');
+    return status == CA_SUCCESS;
 }
 
 bool CanberraSoundPlayer::beep()

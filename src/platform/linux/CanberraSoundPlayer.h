@@ -2,6 +2,10 @@
 
 #include "platform/SoundPlayer.h"
 
+#include <QString>
+
+#include <functional>
+
 #include <xcb/xcb.h>
 
 typedef struct ca_context ca_context;
@@ -19,6 +23,10 @@ public:
     bool playNamed(const QString &name) override;
     bool beep() override;
 
+    // Where failed sounds are reported (the diagnostics log): the bell that rings instead says nothing.
+    using Trace = std::function<void(const QString &line)>;
+    void setTrace(Trace trace) { m_trace = std::move(trace); }
+
     // The theme's event for a named system sound.
     static QString eventIDForName(const QString &name);
 
@@ -28,4 +36,6 @@ private:
     xcb_connection_t *m_connection;
     ca_context *m_context = nullptr;
     bool m_contextFailed = false;
+    int m_openStatus = 0;
+    Trace m_trace;
 };
