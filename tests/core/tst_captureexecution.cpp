@@ -8,6 +8,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const DisplayInfo primary = FakeDisplayProvider::display(1, Rect(0, 0, 1440, 900), 2);
+// The screen a window reports: its own, none, or the display left of it (its own was unplugged while
+// the overlay was up, and the window system moved it to the one that remains).
+enum WindowScreen { OwnScreen, NoScreen, RemainingScreen };
 
 } // namespace
 
@@ -32,22 +35,27 @@ void CaptureExecutionTest::refusals_data()
 {
     QTest::addColumn<bool>("selecting");
     QTest::addColumn<Rect>("rect");
-    QTest::addColumn<bool>("hasScreen");
+    QTest::addColumn<int>("screen");
     QTest::addColumn<QStringList>("expected");
     QTest::addColumn<QStringList>("systemLog");
     QTest::addColumn<bool>("stillSelecting");
     QTest::newRow("no selection under way")
-        << false << Rect(10, 10, 50, 50) << true << QStringList{u"capture ignored: selection inactive"_s}
+        << false << Rect(10, 10, 50, 50) << int(OwnScreen) << QStringList{u"capture ignored: selection inactive"_s}
         << QStringList{} << false;
     QTest::newRow("an empty rectangle is dropped silently")
-        << true << Rect(10, 10, 0, 50) << true << QStringList{} << QStringList{} << true;
+        << true << Rect(10, 10, 0, 50) << int(OwnScreen) << QStringList{} << QStringList{} << true;
     QTest::newRow("no screen for the window, and no main screen")
-        << true << Rect(10, 10, 50, 50) << false
+        << true << Rect(10, 10, 50, 50) << int(NoScreen)
         << QStringList{u"capture begin rect={{10, 10}, {50, 50}}"_s, u"capture aborted: target screen not found"_s}
         << QStringList{} << true;
     QTest::newRow("entirely outside the display")
-        << true << Rect(2000, 10, 50, 50) << true
+        << true << Rect(2000, 10, 50, 50) << int(OwnScreen)
         << QStringList{u"capture begin rect={{2000, 10}, {50, 50}}"_s, u"capture aborted invalid clampedLocalRect"_s}
+        << QStringList{u"Vistrel: 無効なキャプチャ範囲のため処理を中断しました。"_s} << true;
+    // Nothing is read from where the unplugged display was.
+    QTest::newRow("the window's display was unplugged")
+        << true << Rect(10, 10, 50, 50) << int(RemainingScreen)
+        << QStringList{u"capture begin rect={{10, 10}, {50, 50}}"_s, u"capture aborted invalid clampedLocalRect"_s}
         << QStringList{u"Vistrel: 無効なキャプチャ範囲のため処理を中断しました。"_s} << true;
 }
 
@@ -55,7 +63,7 @@ void CaptureExecutionTest::refusals()
 {
     QFETCH(bool, selecting);
     QFETCH(Rect, rect);
-    QFETCH(bool, hasScreen);
+    QFETCH(int, screen);
     QFETCH(QStringList, expected);
     QFETCH(QStringList, systemLog);
     QFETCH(bool, stillSelecting);
@@ -65,8 +73,10 @@ void CaptureExecutionTest::refusals()
     f.view(0)->mouseDown(QPointF(10, 10));
     if (!selecting)
         f.manager.cancelSelection();
-    if (!hasScreen)
+    if (screen == NoScreen)
         f.window(0)->screenOverride = std::optional<DisplayInfo>();
+    if (screen == RemainingScreen)
+        f.window(0)->screenOverride = FakeDisplayProvider::display(2, Rect(-1440, 0, 1440, 900), 2);
     f.diagnostics.clear();
 
     f.manager.capture(rect, f.window(0));

@@ -44,7 +44,12 @@ void CaptureExecution::capture(const Rect &rect, SelectionWindow *window)
         return;
     }
 
-    const Rect clamped = rect.intersected(capturegeometry::localBounds(screen->frame));
+    // Clamped to the display also where the window stands: a window whose display was unplugged
+    // under the overlay is moved to another display by name only, and keeps its old place.
+    const Rect inView = rect.intersected(capturegeometry::localBounds(screen->frame));
+    const Rect onScreen = window->convertRectToScreen(inView);
+    const Rect clamped = onScreen.intersected(screen->frame)
+                             .translated(inView.minX() - onScreen.minX(), inView.minY() - onScreen.minY());
     const Rect aligned = capturegeometry::pixelAlignedRect(clamped, screen->backingScale);
     if (aligned.isEmpty() || !aligned.isFinite()) {
         m_services.systemLog.log(u"Vistrel: 無効なキャプチャ範囲のため処理を中断しました。"_s);
