@@ -31,30 +31,20 @@ void subtractRow(const uchar *row, const uchar *above, uchar *out, size_t length
         out[i] = uchar(row[i] - above[i]);
 }
 
-// The same for rows of 0xffRRGGBB pixels, written as R, G, B (no row above: zeros). Each pixel stores
-// four bytes, the last of which the next pixel overwrites: `out` needs one byte to spare.
-void subtractOpaqueRow(const quint32 *row, const quint32 *above, uchar *out, size_t width)
+// The same for rows of 32-bit 0xAARRGGBB pixels (no row above: zeros), written as R, G, B, A, or as
+// R, G, B when the rows are opaque. An opaque pixel stores four bytes, the last of which the next pixel
+// overwrites: `out` then needs one byte to spare.
+template <bool withAlpha>
+void subtractPixelRow(const quint32 *row, const quint32 *above, uchar *out, size_t width)
 {
     constexpr quint32 high = 0x80808080u;
-    for (size_t x = 0; x < width; ++x, out += 3) {
+    constexpr size_t bytesPerPixel = withAlpha ? 4 : 3;
+    for (size_t x = 0; x < width; ++x, out += bytesPerPixel) {
         const quint32 a = row[x];
         const quint32 b = above ? above[x] : 0;
         const quint32 difference = ((a | high) - (b & ~high)) ^ ((a ^ ~b) & high);
-        const quint32 rgb = qToBigEndian(difference << 8);
-        std::memcpy(out, &rgb, 4);
-    }
-}
-
-// The same for rows of 0xAARRGGBB pixels, written as R, G, B, A.
-void subtractArgbRow(const quint32 *row, const quint32 *above, uchar *out, size_t width)
-{
-    constexpr quint32 high = 0x80808080u;
-    for (size_t x = 0; x < width; ++x, out += 4) {
-        const quint32 a = row[x];
-        const quint32 b = above ? above[x] : 0;
-        const quint32 difference = ((a | high) - (b & ~high)) ^ ((a ^ ~b) & high);
-        const quint32 rgba = qToBigEndian((difference << 8) | (difference >> 24));
-        std::memcpy(out, &rgba, 4);
+        const quint32 bytes = qToBigEndian(withAlpha ? (difference << 8) | (difference >> 24) : difference << 8);
+        std::memcpy(out, &bytes, 4);
     }
 }
 
@@ -71,12 +61,12 @@ void filterRows(const PngPixels &pixels, int firstRow, int endRow, uchar *filter
         const uchar *row = pixels.row(y);
         // Nothing above the first row: its bytes go as they are.
         const uchar *above = y == 0 ? nullptr : pixels.row(y - 1);
+        const auto *pixels32 = reinterpret_cast<const quint32 *>(row);
+        const auto *above32 = reinterpret_cast<const quint32 *>(above);
         if (layout == PngPixels::Layout::Opaque32)
-            subtractOpaqueRow(reinterpret_cast<const quint32 *>(row), reinterpret_cast<const quint32 *>(above),
-                              out + 1, width);
+            subtractPixelRow<false>(pixels32, above32, out + 1, width);
         else if (layout == PngPixels::Layout::Argb32)
-            subtractArgbRow(reinterpret_cast<const quint32 *>(row), reinterpret_cast<const quint32 *>(above),
-                            out + 1, width);
+            subtractPixelRow<true>(pixels32, above32, out + 1, width);
         else if (above)
             subtractRow(row, above, out + 1, rowLength);
         else
