@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/WindowRules.h"
+#include "platform/WindowRules.h"
 
 #include <QObject>
 

@@ -14,7 +14,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/NotificationCenter.h"
-#include "app/WindowRules.h"
+#include "platform/WindowRules.h"
 #include "settings/AppSettings.h"
 
 #include <QTest>

@@ -1,9 +1,9 @@
 #include "app/AppDelegate.h"
 
-#include "app/DiagnosticsLog.h"
+#include "platform/DiagnosticsLog.h"
 #include "app/NotificationCenter.h"
 #include "app/SettingsWindow.h"
-#include "app/WindowRules.h"
+#include "platform/WindowRules.h"
 #include "capture/CaptureCommands.h"
 #include "editor/EditorCommands.h"
 #include "platform/ApplicationControl.h"

@@ -1,6 +1,6 @@
 #include "app/CaptureHotKeys.h"
 
-#include "app/DiagnosticsLog.h"
+#include "platform/DiagnosticsLog.h"
 #include "capture/CaptureCommands.h"
 #include "platform/SystemLog.h"
 #include "settings/AppSettings.h"

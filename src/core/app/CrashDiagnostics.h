@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/DiagnosticsLog.h"
+#include "platform/DiagnosticsLog.h"
 
 #include <QString>
 #include <QStringList>

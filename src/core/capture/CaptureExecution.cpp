@@ -1,6 +1,6 @@
 #include "capture/CaptureExecution.h"
 
-#include "app/DiagnosticsLog.h"
+#include "platform/DiagnosticsLog.h"
 #include "capture/CaptureAttempts.h"
 #include "capture/CaptureGeometry.h"
 #include "capture/CaptureSaver.h"

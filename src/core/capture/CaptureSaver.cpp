@@ -1,6 +1,6 @@
 #include "capture/CaptureSaver.h"
 
-#include "app/DiagnosticsLog.h"
+#include "platform/DiagnosticsLog.h"
 #include "capture/CaptureServices.h"
 #include "capture/ClipboardCopy.h"
 #include "capture/EditorHandOff.h"

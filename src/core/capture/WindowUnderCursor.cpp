@@ -1,6 +1,6 @@
 #include "capture/WindowUnderCursor.h"
 
-#include "app/DiagnosticsLog.h"
+#include "platform/DiagnosticsLog.h"
 #include "capture/CaptureGeometry.h"
 #include "capture/CaptureServices.h"
 #include "capture/CaptureState.h"

@@ -1,6 +1,6 @@
 #include "editor/EditorImageSources.h"
 
-#include "app/DiagnosticsLog.h"
+#include "platform/DiagnosticsLog.h"
 #include "editor/ImageLoading.h"
 #include "platform/AlertPresenter.h"
 #include "platform/Pasteboard.h"

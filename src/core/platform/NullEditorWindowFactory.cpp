@@ -1,6 +1,6 @@
 #include "platform/NullEditorWindowFactory.h"
 
-#include "app/DiagnosticsLog.h"
+#include "platform/DiagnosticsLog.h"
 #include "geometry/TraceFormat.h"
 
 using namespace Qt::StringLiterals;

@@ -1,6 +1,6 @@
 #include "platform/NullOpenPanel.h"
 
-#include "app/DiagnosticsLog.h"
+#include "platform/DiagnosticsLog.h"
 
 using namespace Qt::StringLiterals;
 

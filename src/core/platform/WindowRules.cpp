@@ -1,4 +1,4 @@
-#include "app/WindowRules.h"
+#include "platform/WindowRules.h"
 
 #include <algorithm>
 
