@@ -1,11 +1,8 @@
 #!/usr/bin/python3
 """The capture flow on one display: the repeat shortcut before any capture, a dragged capture saved,
-copied and traced, Escape and a plain click cancelling with the cursor given back, and the repeat
-shortcut capturing the same region again."""
-import os
-import shutil
-import time
-
+copied and traced, Escape and a plain click cancelling with the cursor given back, the repeat
+shortcut capturing the same region again, and Space over a window capturing exactly that window with
+its frame, as the screen showed it."""
 from vistrel_e2e import *  # noqa: F401,F403 - the helpers of these tests
 
 app = Vistrel()
@@ -98,6 +95,50 @@ if check(path, "the repeat capture saved nothing"):
     check(len(saved_files()) == len(files) + 1, f"expected a new file, found {saved_files()}")
     problem = differs(desk.crop((600, 300, 1100, 650)), Image.open(path))
     check(problem is None, f"the repeat capture differs from the desktop: {problem}")
+
+# Space over a window: the window with its frame, as the screen showed it (named in a later second).
+time.sleep(1.1)
+picture = os.path.join(SESSION, "probe.png")
+Image.new("RGB", (400, 300), (200, 40, 90)).save(picture)
+viewer = subprocess.Popen(["display", "-title", "probe-window", "-geometry", "+300+200", picture])
+window_id = wait_until(lambda: run("xdotool", "search", "--onlyvisible", "--name", "^probe-window$").stdout.split())
+if check(window_id, "the test window did not appear"):
+    window_id = window_id[0]
+    info = run("xwininfo", "-id", window_id).stdout
+    x = int(info.split("Absolute upper-left X:")[1].split()[0])
+    y = int(info.split("Absolute upper-left Y:")[1].split()[0])
+    width = int(info.split("Width:")[1].split()[0])
+    height = int(info.split("Height:")[1].split()[0])
+    extents = run("xprop", "-id", window_id, "_NET_FRAME_EXTENTS").stdout
+    left, right, top, bottom = (int(v) for v in extents.split("=")[1].split(","))
+    check(top > 0, f"openbox gave the window no frame: {extents.strip()}")
+    frame = (x - left, y - top, x + width + right, y + height + bottom)
+    expected = screen().crop(frame)
+
+    move(x + width // 2, y + height // 2)
+    before = len(log_lines())
+    if start_selection():
+        key("space")
+        resolved = wait_for_line("window selection resolved owner=", before)
+        # WM_CLASS(STRING) = "instance", "Class"
+        window_class = run("xprop", "-id", window_id, "WM_CLASS").stdout.split('"')[3]
+        check(resolved and resolved.startswith(f"window selection resolved owner={window_class} id={int(window_id)} "),
+              f"the window was not resolved by its class {window_class}: {resolved}")
+        path = wait_for_save(before)
+        if check(path, "Space saved nothing"):
+            problem = differs(expected, Image.open(path))
+            check(problem is None, f"the capture is not the window's frame {frame}: {problem}")
+
+    # Over the bare desktop Space finds nothing: the overlay stays for another try.
+    move(1700, 100)
+    before = len(log_lines())
+    if start_selection():
+        key("space")
+        check(wait_for_line("window selection skipped: no target window under cursor", before),
+              "Space over the desktop did not report that no window is there")
+        check(len(overlay_windows()) == 1, "the overlay left after Space found no window")
+        key("Escape")
+viewer.kill()
 
 app.quit()
 finish("capture flow")

@@ -4,14 +4,17 @@ tray, no sound, and a capture shortcut another client holds. In every row it sta
 lands on the clipboard and in the folder equal to the desktop, the editor opens (through the
 notification where one can be posted, else at once) and saves NAME_edited.png, and the logs say what
 was missing. The test desktop has no audio device, so the sound line shows in every row; the sound row
-also hides the sound theme and checks that the display bell rings in its place."""
-import subprocess
+also hides the sound theme and checks that the display bell rings in its place. Where the notification
+is posted it reads as the edit notification. In the row where another client holds the capture shortcut,
+that client then lets go, and a settings change from the tray menu (saved at once, and every save
+registers the shortcuts again) makes the shortcut work, also after a restart."""
 
 from vistrel_e2e import *  # noqa: F401,F403 - the helpers of these tests
 
 TRAY_LINE = "status item: no system tray to show the icon in; it appears once a tray starts"
 SOUND_LINE = "sound camera-shutter not played (libcanberra: File or data not found)"
 NO_SERVER = "no notification server answers on the session bus"
+NOTIFICATION = ("Vistrel: 編集できます", "通知をクリックして編集画面を開きます。")
 NO_BUS = f"there is no session bus (Failed to connect to socket {SESSION}/no-bus: No such file or directory)"
 desk = background()
 
@@ -38,21 +41,63 @@ def hold_capture_shortcut():
     return holder
 
 
+def toggle_notifications():
+    """Right-clicks the tray icon and picks "通知を出す" (the fifth entry) with the keyboard."""
+    for _ in range(10):
+        move(16, 16)
+        run("xdotool", "click", "3")
+        time.sleep(0.4)
+        if overlay_windows():
+            for _ in range(5):
+                key("Down")
+            key("Return")
+            return True
+    return False
+
+
+def capture_opens_editor_directly(label):
+    start = len(log_lines())
+    if not start_selection():
+        return
+    drag((500, 400), (900, 700))
+    check(wait_for_save(start), f"{label}: the capture saved nothing")
+    check(wait_until(editor_windows), f"{label}: the editor did not open at once")
+    check(notifications_shown() == 0, f"{label}: a notification was posted although they are off")
+
+
+def free_the_shortcut(label, app, holder):
+    """The other client lets go; switching notifications off in the tray menu saves and registers again."""
+    holder.kill()
+    holder.wait()
+    run("dunstctl", "close-all")
+    check(toggle_notifications(), f"{label}: the tray menu did not open")
+    check(wait_until(lambda: settings().get("VistrelOpenEditorViaNotification") is False),
+          f"{label}: the notification setting was not saved as off")
+    capture_opens_editor_directly(f"{label}, after the settings change")
+    app.quit()
+    app = Vistrel(tag="restarted")
+    check(settings().get("VistrelOpenEditorViaNotification") is False, "the setting did not survive the restart")
+    capture_opens_editor_directly(f"{label}, after the restart")
+    return app
+
+
 # name, environment of Vistrel, a tray runs, the notification is posted, the trigger's shortcut (None:
-# "vistrel select"), diagnostics lines and system-log lines that must be there, a helper to start first.
+# "vistrel select"), diagnostics lines and system-log lines that must be there, a helper to start first
+# and what to do with it at the end.
 ROWS = [
     ("no session bus", {"DBUS_SESSION_BUS_ADDRESS": f"unix:path={SESSION}/no-bus"}, True, False, "shift+super+s", [],
-     [f"Vistrel: 通知許可の取得に失敗しました: {NO_BUS}", f"Vistrel: 通知スケジュール失敗: {NO_BUS}"], None),
+     [f"Vistrel: 通知許可の取得に失敗しました: {NO_BUS}", f"Vistrel: 通知スケジュール失敗: {NO_BUS}"], None, None),
     ("no notification server", "bare bus", True, False, "shift+super+s", [],
      [f"Vistrel: 通知許可の取得に失敗しました: {NO_SERVER} (The name org.freedesktop.Notifications was not "
       "provided by any .service files)",
       f"Vistrel: 通知スケジュール失敗: {NO_SERVER} (The name org.freedesktop.Notifications was not provided by "
-      "any .service files)"], None),
-    ("no tray", {}, False, True, "shift+super+s", [TRAY_LINE], ["Vistrel: 通知スケジュール成功"], None),
+      "any .service files)"], None, None),
+    ("no tray", {}, False, True, "shift+super+s", [TRAY_LINE], ["Vistrel: 通知スケジュール成功"], None, None),
     ("no sound", {"XDG_DATA_DIRS": f"{SESSION}/no-data"}, True, True, "shift+super+s", [SOUND_LINE],
-     ["Vistrel: 通知スケジュール成功"], None),
+     ["Vistrel: 通知スケジュール成功"], None, None),
     ("capture shortcut held", {}, True, True, None, [],
-     ["Vistrel: ホットキーの登録に失敗しました: 10", "Vistrel: 通知スケジュール成功"], hold_capture_shortcut),
+     ["Vistrel: ホットキーの登録に失敗しました: 10", "Vistrel: 通知スケジュール成功"], hold_capture_shortcut,
+     free_the_shortcut),
 ]
 
 
@@ -75,6 +120,12 @@ def capture_edit_save(label, app, shortcut, notified):
     if not check(wait_until(editor_windows), f"{label}: the editor did not open"):
         return
     check(notified or notifications_shown() == 0, f"{label}: a notification shows")
+    if notified:
+        # Closed notifications go to dunst's history, where their texts can be read.
+        run("dunstctl", "close-all")
+        history = wait_until(lambda: json.loads(run("dunstctl", "history").stdout or "{}").get("data", [[]])[0])
+        texts = {(entry["summary"]["data"], entry["body"]["data"]) for entry in history or []}
+        check(texts == {NOTIFICATION}, f"{label}: the notifications read {texts}")
     time.sleep(0.5)
     key("Return")
     edited = path[:-len(".png")] + "_edited.png"
@@ -85,13 +136,14 @@ def capture_edit_save(label, app, shortcut, notified):
     check(wait_until(lambda: not editor_windows()), f"{label}: the editor stayed open after saving")
 
 
-for label, environment, tray_runs, notified, shortcut, traces, system_lines, start_first in ROWS:
+for label, environment, tray_runs, notified, shortcut, traces, system_lines, start_first, then in ROWS:
     print(f"--- {label}", flush=True)
     daemon = None
     if environment == "bare bus":
         daemon, address = private_bus()
         environment = {"DBUS_SESSION_BUS_ADDRESS": address}
-    tray = subprocess.Popen(["trayer", "--edge", "top", "--height", "32"]) if tray_runs else None
+    tray = subprocess.Popen(["trayer", "--edge", "top", "--align", "left", "--height", "32", "--widthtype", "pixel",
+                             "--width", "200"]) if tray_runs else None
     if tray:
         wait_until(lambda: run("xdotool", "search", "--class", "trayer").stdout.strip())
     helper = start_first() if start_first else None
@@ -115,6 +167,8 @@ for label, environment, tray_runs, notified, shortcut, traces, system_lines, sta
     for line in system_lines:
         if not check(wait_until(lambda: line in app.system_log().splitlines()), f"{label}: the system log lacks: {line}"):
             print("\n".join(entry for entry in app.system_log().splitlines() if not entry.startswith("ALSA")))
+    if then:
+        app = then(label, app, helper)
     if environment.get("DBUS_SESSION_BUS_ADDRESS", "").endswith("/no-bus"):
         app.process.terminate()  # nothing can reach it to ask it to quit
         app.process.wait(timeout=10)

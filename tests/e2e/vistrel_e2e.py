@@ -4,7 +4,6 @@ clipboard (xclip) and the screen, and compare pictures pixel for pixel.
 
 Every test script is run as   SCRIPT VISTREL X11_PROBE   and exits 0 when every check passed."""
 import json
-import time
 import os
 import re
 import subprocess
