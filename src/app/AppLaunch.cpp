@@ -2,7 +2,6 @@
 
 #include "app/AppDelegate.h"
 #include "app/CrashDiagnostics.h"
-#include "app/NotificationCenter.h"
 #include "app/SettingsWindow.h"
 #include "capture/ScreenshotManager.h"
 #include "editor/ImageEditorManager.h"
@@ -23,7 +22,7 @@ std::unique_ptr<AppDelegate> makeDelegate(QCoreApplication &application, Setting
     auto delegate = std::make_unique<AppDelegate>(AppDelegate::Dependencies{
         CrashDiagnostics::shared(), *services.application, *services.statusItem, *services.hotKeys,
         *services.notifier, *services.systemLog, *services.scheduler, *services.displays, AppSettings::shared(),
-        NotificationCenter::defaultCenter(), capture, editor,
+        capture, editor,
         []() -> UpdateCommands & { return SoftwareUpdaterModel::shared(); }, std::move(makeSettingsWindow)});
     AppDelegate *controller = delegate.get();
     QObject::connect(&application, &QCoreApplication::aboutToQuit, controller,

@@ -13,7 +13,6 @@
 #include "TestPrinters.h"
 
 #include "app/AppDelegate.h"
-#include "app/NotificationCenter.h"
 #include "platform/WindowRules.h"
 #include "settings/AppSettings.h"
 
@@ -37,8 +36,7 @@ struct Fixture
     FakeDisplayProvider displays;
     FakeKeyValueStore store;
     FakeLoginItemService loginItem;
-    NotificationCenter notifications;
-    AppSettings settings{store, loginItem, systemLog, notifications};
+    AppSettings settings{store, loginItem, systemLog};
     FakeCommands commands;
     FakeSettingsWindow *settingsWindow = nullptr;
     int settingsWindowsMade = 0;
@@ -46,7 +44,7 @@ struct Fixture
     bool hasSettingsWindow = true;
 
     AppDelegate delegate{{diagnostics, application, statusItem, hotKeys, notifier, systemLog, scheduler, displays,
-                          settings, notifications, commands, commands,
+                          settings, commands, commands,
                           [this]() -> UpdateCommands & {
                               journal.append(u"updater"_s);
                               return commands;

@@ -3,7 +3,6 @@
 #include "FakeLoginItemService.h"
 #include "FakeSystemLog.h"
 
-#include "app/NotificationCenter.h"
 #include "settings/AppSettings.h"
 
 #include <QTest>
@@ -28,15 +27,14 @@ struct Fixture
     FakeKeyValueStore store;
     FakeLoginItemService loginItem;
     FakeSystemLog systemLog;
-    NotificationCenter notifications;
     int announcements = 0;
     // What the database held (as last synced) at each announcement.
     QList<QMap<QString, QVariant>> storedAtAnnouncement;
 
     std::unique_ptr<AppSettings> make(const LegacyPreferencesSource *legacy = nullptr)
     {
-        auto settings = std::make_unique<AppSettings>(store, loginItem, systemLog, notifications, legacy);
-        notifications.addObserver(AppSettings::settingsDidChangeNotification, &notifications, [this] {
+        auto settings = std::make_unique<AppSettings>(store, loginItem, systemLog, legacy);
+        QObject::connect(settings.get(), &AppSettings::settingsDidChange, [this] {
             ++announcements;
             storedAtAnnouncement.append(store.synced);
         });
@@ -228,8 +226,7 @@ void AppSettingsTest::captureShortcutReachesObserversOneSaveLate()
     Fixture f;
     auto s = f.make();
     QList<std::optional<quint32>> seenCodes;
-    f.notifications.addObserver(AppSettings::settingsDidChangeNotification, &f.notifications,
-                                [&] { seenCodes.append(s->hotKeyCode()); });
+    connect(s.get(), &AppSettings::settingsDidChange, this, [&] { seenCodes.append(s->hotKeyCode()); });
     s->setHotKeyCombo({u"A"_s, ShortcutKeyCombo::Command});
     s->setIncludeDate(false);
     QCOMPARE(seenCodes, (QList<std::optional<quint32>>{1u, 0u}));

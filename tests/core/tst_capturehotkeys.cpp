@@ -6,7 +6,6 @@
 #include "FakeSystemLog.h"
 
 #include "app/CaptureHotKeys.h"
-#include "app/NotificationCenter.h"
 #include "settings/AppSettings.h"
 
 #include <QTest>
@@ -33,8 +32,7 @@ struct Fixture
     FakeKeyValueStore store;
     FakeLoginItemService loginItem;
     FakeSystemLog systemLog;
-    NotificationCenter notifications;
-    AppSettings settings{store, loginItem, systemLog, notifications};
+    AppSettings settings{store, loginItem, systemLog};
     FakeHotKeyRegistrar registrar;
     FakeCommands commands;
     FakeDiagnosticsLog diagnostics;

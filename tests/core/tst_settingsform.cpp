@@ -3,7 +3,6 @@
 #include "FakeLoginItemService.h"
 #include "FakeSystemLog.h"
 
-#include "app/NotificationCenter.h"
 #include "app/SettingsForm.h"
 #include "app/SettingsFormTexts.h"
 #include "settings/AppSettings.h"
@@ -19,8 +18,7 @@ struct Fixture
     FakeKeyValueStore store;
     FakeLoginItemService loginItem;
     FakeSystemLog systemLog;
-    NotificationCenter notifications;
-    AppSettings settings{store, loginItem, systemLog, notifications};
+    AppSettings settings{store, loginItem, systemLog};
     FakeFolderChooser chooser;
     SettingsForm form{settings, chooser, u"caption"_s};
 };

@@ -10,7 +10,6 @@
 #include "SettingsFormWidget.h"
 #include "ShortcutSettingsRows.h"
 
-#include "app/NotificationCenter.h"
 #include "settings/AppSettings.h"
 #include "update/SoftwareUpdateSettingsSection.h"
 #include "update/SoftwareUpdaterModel.h"
@@ -37,8 +36,7 @@ struct Fixture
     FakeKeyValueStore store;
     FakeLoginItemService loginItem;
     FakeSystemLog systemLog;
-    NotificationCenter notifications;
-    AppSettings settings{store, loginItem, systemLog, notifications};
+    AppSettings settings{store, loginItem, systemLog};
     FakeFolderChooser chooser;
     std::optional<QString> unavailable;
     FakeSoftwareUpdater updater = [this] {

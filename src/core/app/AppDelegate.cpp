@@ -1,10 +1,10 @@
 #include "app/AppDelegate.h"
 
 #include "platform/DiagnosticsLog.h"
-#include "app/NotificationCenter.h"
 #include "app/SettingsWindow.h"
 #include "platform/WindowRules.h"
 #include "capture/CaptureCommands.h"
+#include "editor/EditNotificationCategory.h"
 #include "editor/EditorCommands.h"
 #include "platform/ApplicationControl.h"
 #include "platform/DisplayProvider.h"
@@ -31,8 +31,7 @@ void AppDelegate::applicationDidFinishLaunching()
     setupNotifications();
     m_deps.updater();
     m_deps.diagnostics.write(QStringLiteral("applicationDidFinishLaunching completed"));
-    m_deps.notifications.addObserver(AppSettings::settingsDidChangeNotification, this,
-                                     [this] { settingsDidChange(); });
+    connect(&m_deps.settings, &AppSettings::settingsDidChange, this, &AppDelegate::settingsDidChange);
 }
 
 void AppDelegate::applicationWillTerminate()
@@ -173,12 +172,12 @@ void AppDelegate::setupNotifications()
         else
             systemLog.log(QStringLiteral("Vistrel: ユーザーが通知許可を拒否しました"));
     });
-    m_deps.notifier.setCategories({editCategoryIdentifier});
+    m_deps.notifier.setCategories({editnotification::categoryIdentifier});
 }
 
 void AppDelegate::didReceiveNotificationResponse(const QString &categoryIdentifier)
 {
-    if (categoryIdentifier != editCategoryIdentifier)
+    if (categoryIdentifier != editnotification::categoryIdentifier)
         return;
     EditorCommands &editor = m_deps.editor;
     m_deps.scheduler.postToMain([&editor] { editor.openEditor(false); });

@@ -15,7 +15,6 @@ class DiagnosticsLog;
 class DisplayProvider;
 class EditorCommands;
 class HotKeyRegistrar;
-class NotificationCenter;
 class Scheduler;
 class SettingsWindow;
 class SystemLog;
@@ -30,8 +29,6 @@ class AppDelegate final : public QObject
     Q_OBJECT
 
 public:
-    static inline const QString editCategoryIdentifier = QStringLiteral("VistrelEditCategory");
-
     struct Dependencies
     {
         DiagnosticsLog &diagnostics;
@@ -43,7 +40,6 @@ public:
         Scheduler &scheduler;
         DisplayProvider &displays;
         AppSettings &settings;
-        NotificationCenter &notifications;
         CaptureCommands &capture;
         EditorCommands &editor;
         // Makes the updater on first call; launch calls it so the updater exists from the start.

@@ -1,7 +1,5 @@
 #include "app/CrashDiagnostics.h"
 
-#include "platform/PlatformServices.h"
-
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
@@ -139,13 +137,6 @@ extern "C" void vistrelSignalHandler(int signal)
     }
     ::signal(signal, SIG_DFL);
     ::raise(signal);
-}
-
-CrashDiagnostics &CrashDiagnostics::shared()
-{
-    const PlatformServices &services = PlatformServices::shared();
-    static CrashDiagnostics instance(services.diagnosticsLogFolder, services.installUncaughtExceptionHandler);
-    return instance;
 }
 
 CrashDiagnostics::CrashDiagnostics(const QString &logFolder,

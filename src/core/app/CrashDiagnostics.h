@@ -23,7 +23,7 @@ public:
     // uncaughtExceptionRecord() through shared().write().
     using PlatformExceptionHandlerInstaller = std::function<void()>;
 
-    // Built on first use in the folder the platform set names.
+    // Built on first use in the folder the platform set names (app/SharedInstances.cpp).
     static CrashDiagnostics &shared();
 
     // Creates the folder (and its parents) if it is missing; a failure only means the file side stays

@@ -1,21 +1,9 @@
 #include "capture/ScreenshotManager.h"
 
-#include "app/CrashDiagnostics.h"
-#include "platform/PlatformServices.h"
+#include "platform/DiagnosticsLog.h"
 #include "platform/SoundPlayer.h"
-#include "settings/AppSettings.h"
 
 using namespace Qt::StringLiterals;
-
-ScreenshotManager &ScreenshotManager::shared()
-{
-    const PlatformServices &p = PlatformServices::shared();
-    static ScreenshotManager instance(CaptureServices{
-        AppSettings::shared(), CrashDiagnostics::shared(), *p.systemLog, *p.scheduler, *p.clock, *p.displays,
-        *p.screenCapturer, *p.screenCapturePermission, *p.windowList, *p.pasteboard, *p.sounds, *p.workspace,
-        *p.cursor, *p.keyMonitor, *p.selectionWindows, *p.pngWriter});
-    return instance;
-}
 
 ScreenshotManager::ScreenshotManager(const CaptureServices &services)
     : m_services(services),

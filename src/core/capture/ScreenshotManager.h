@@ -31,6 +31,7 @@ class EditorHandOff;
 class ScreenshotManager final : public CaptureCommands, public SelectionViewDelegate
 {
 public:
+    // Built in app/SharedInstances.cpp.
     static ScreenshotManager &shared();
 
     explicit ScreenshotManager(const CaptureServices &services);

@@ -1,17 +1,12 @@
 #include "editor/ImageEditorManager.h"
 
-#include "app/AppDelegate.h"
-#include "app/CrashDiagnostics.h"
+#include "editor/EditNotificationCategory.h"
 #include "editor/EditorDropTargetView.h"
 #include "editor/ImageEditorModel.h"
 #include "editor/ImageEditorView.h"
 #include "platform/ApplicationControl.h"
 #include "platform/DisplayProvider.h"
 #include "platform/EditorWindowFactory.h"
-#include "platform/NullAlertPresenter.h"
-#include "platform/NullEditorWindowFactory.h"
-#include "platform/NullOpenPanel.h"
-#include "platform/PlatformServices.h"
 #include "platform/Scheduler.h"
 #include "platform/SystemLog.h"
 #include "platform/UserNotifier.h"
@@ -20,22 +15,6 @@
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
-
-ImageEditorManager &ImageEditorManager::shared()
-{
-    const PlatformServices &p = PlatformServices::shared();
-    // Until a platform set has the editor's windows, dialogs and panel, the editor still takes
-    // captures, notifies and saves, and says in the logs what it could not show.
-    static NullEditorWindowFactory nullWindows(CrashDiagnostics::shared());
-    static NullAlertPresenter nullAlerts(*p.systemLog);
-    static NullOpenPanel nullOpenPanel(CrashDiagnostics::shared());
-    static ImageEditorManager instance(ImageEditorServices{
-        AppSettings::shared(), *p.store, CrashDiagnostics::shared(), *p.systemLog, *p.scheduler, *p.clock,
-        *p.displays, *p.application, *p.notifier, *p.pasteboard, *p.pngWriter,
-        p.editorWindows ? *p.editorWindows : nullWindows, p.alerts ? *p.alerts : nullAlerts,
-        p.openPanel ? *p.openPanel : nullOpenPanel});
-    return instance;
-}
 
 ImageEditorManager::ImageEditorManager(const ImageEditorServices &services)
     : m_services(services),
@@ -74,7 +53,7 @@ void ImageEditorManager::scheduleEditNotification(const QImage &image, const QUr
     request.identifier = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
     request.title = u"Vistrel: 編集できます"_s;
     request.body = u"通知をクリックして編集画面を開きます。"_s;
-    request.categoryIdentifier = AppDelegate::editCategoryIdentifier;
+    request.categoryIdentifier = editnotification::categoryIdentifier;
     request.playsDefaultSound = true;
     request.triggerDelaySeconds = 0.8;
     m_services.notifier.add(request, [this](std::optional<QString> error) {

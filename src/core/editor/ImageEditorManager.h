@@ -29,6 +29,7 @@ public:
     static inline const QString windowTitle = QStringLiteral("Vistrel 編集");
     static constexpr QSizeF minimumWindowSize{1000, 1000};
 
+    // Built in app/SharedInstances.cpp.
     static ImageEditorManager &shared();
 
     explicit ImageEditorManager(const ImageEditorServices &services);

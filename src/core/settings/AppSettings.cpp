@@ -1,7 +1,5 @@
 #include "settings/AppSettings.h"
 
-#include "app/NotificationCenter.h"
-#include "platform/PlatformServices.h"
 #include "platform/SystemLog.h"
 #include "settings/KeyTable.h"
 #include "settings/LegacySettingsMigration.h"
@@ -27,17 +25,9 @@ constexpr quint64 kDefaultModifiers = ShortcutKeyCombo::Command | ShortcutKeyCom
 
 } // namespace
 
-AppSettings &AppSettings::shared()
-{
-    const PlatformServices &services = PlatformServices::shared();
-    static AppSettings instance(*services.store, *services.loginItem, *services.systemLog,
-                                NotificationCenter::defaultCenter(), services.legacyPreferences);
-    return instance;
-}
-
 AppSettings::AppSettings(KeyValueStore &store, LoginItemService &loginItem, SystemLog &systemLog,
-                         NotificationCenter &notifications, const LegacyPreferencesSource *legacyPreferences)
-    : m_defaults(store), m_loginItem(loginItem), m_systemLog(systemLog), m_notifications(notifications)
+                         const LegacyPreferencesSource *legacyPreferences)
+    : m_defaults(store), m_loginItem(loginItem), m_systemLog(systemLog)
 {
     legacymigration::migrateLegacyUserDefaultsIfNeeded(m_defaults, legacyPreferences, m_systemLog);
 
@@ -166,7 +156,7 @@ void AppSettings::save()
     m_defaults.setBool(Keys::keepExistingEditorWindowOnAutoOpen, m_keepExistingEditorWindowOnAutoOpen);
     m_defaults.setBool(Keys::launchAtLoginEnabled, m_launchAtLoginEnabled);
     m_defaults.synchronize();
-    m_notifications.post(settingsDidChangeNotification);
+    emit settingsDidChange();
 }
 
 void AppSettings::applyLaunchAtLoginSetting()

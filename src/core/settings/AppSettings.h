@@ -11,12 +11,12 @@
 
 class KeyValueStore;
 class LegacyPreferencesSource;
-class NotificationCenter;
 class SystemLog;
 
 // The user's preferences: observable properties, persisted in the preferences database on assignment,
-// announced process-wide as "VistrelSettingsDidChange" after every save, and with the login-item
-// registration kept in step with launchAtLoginEnabled. Main thread only.
+// announced by settingsDidChange() after every save, and with the login-item registration kept in step
+// with launchAtLoginEnabled. Built by the app layer, which also connects the announcement's observers.
+// Main thread only.
 //
 // Saving is deliberately uneven. repeatHotKeyCombo, saveFolderPath, openEditorViaNotification and
 // keepExistingEditorWindowOnAutoOpen save after the new value is stored. hotKeyCombo, filenamePrefix and
@@ -28,12 +28,11 @@ class AppSettings final : public QObject
     Q_OBJECT
 
 public:
-    static inline const QString settingsDidChangeNotification = QStringLiteral("VistrelSettingsDidChange");
-
+    // Built in app/SharedInstances.cpp.
     static AppSettings &shared();
 
     AppSettings(KeyValueStore &store, LoginItemService &loginItem, SystemLog &systemLog,
-                NotificationCenter &notifications, const LegacyPreferencesSource *legacyPreferences = nullptr);
+                const LegacyPreferencesSource *legacyPreferences = nullptr);
 
     ShortcutKeyCombo hotKeyCombo() const { return m_hotKeyCombo; }
     ShortcutKeyCombo repeatHotKeyCombo() const { return m_repeatHotKeyCombo; }
@@ -75,6 +74,8 @@ signals:
     void openEditorViaNotificationChanged();
     void keepExistingEditorWindowOnAutoOpenChanged();
     void launchAtLoginEnabledChanged();
+    // "VistrelSettingsDidChange": after every save, with no payload; observers run inside the setter.
+    void settingsDidChange();
 
 private:
     void save();
@@ -85,7 +86,6 @@ private:
     UserDefaults m_defaults;
     LoginItemService &m_loginItem;
     SystemLog &m_systemLog;
-    NotificationCenter &m_notifications;
 
     ShortcutKeyCombo m_hotKeyCombo;
     ShortcutKeyCombo m_repeatHotKeyCombo;

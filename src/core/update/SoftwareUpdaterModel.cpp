@@ -1,15 +1,7 @@
 #include "update/SoftwareUpdaterModel.h"
 
 #include "platform/ApplicationControl.h"
-#include "platform/PlatformServices.h"
 #include "platform/SoftwareUpdater.h"
-
-SoftwareUpdaterModel &SoftwareUpdaterModel::shared()
-{
-    const PlatformServices &services = PlatformServices::shared();
-    static SoftwareUpdaterModel instance(*services.updater, *services.application, startsUpdaterInThisProcess());
-    return instance;
-}
 
 bool SoftwareUpdaterModel::startsUpdaterInThisProcess()
 {

@@ -17,7 +17,8 @@ class SoftwareUpdaterModel final : public QObject, public UpdateCommands
     Q_OBJECT
 
 public:
-    // Started unless the process runs as a design-time preview (XCODE_RUNNING_FOR_PREVIEWS=1).
+    // Started unless the process runs as a design-time preview (XCODE_RUNNING_FOR_PREVIEWS=1). Built in
+    // app/SharedInstances.cpp.
     static SoftwareUpdaterModel &shared();
     static bool startsUpdaterInThisProcess();
 

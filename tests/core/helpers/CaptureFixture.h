@@ -19,7 +19,6 @@
 #include "FakeWindowList.h"
 #include "FakeWorkspace.h"
 
-#include "app/NotificationCenter.h"
 #include "capture/ScreenshotManager.h"
 #include "capture/SelectionView.h"
 #include "settings/AppSettings.h"
@@ -51,8 +50,7 @@ struct CaptureFixture
     FakeEditorHandOff editor{&journal};
     FakeKeyValueStore store;
     FakeLoginItemService loginItem;
-    NotificationCenter notifications;
-    AppSettings settings{store, loginItem, systemLog, notifications};
+    AppSettings settings{store, loginItem, systemLog};
     QTemporaryDir saveFolder;
     ScreenshotManager manager{CaptureServices{settings, diagnostics, systemLog, scheduler, clock, displays, capturer,
                                               permission, windowList, pasteboard, sounds, workspace, cursor,

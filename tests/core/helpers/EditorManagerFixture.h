@@ -15,7 +15,6 @@
 #include "FakeSystemLog.h"
 #include "FakeUserNotifier.h"
 
-#include "app/NotificationCenter.h"
 #include "editor/EditorDropTargetView.h"
 #include "editor/ImageEditorManager.h"
 #include "editor/ImageEditorModel.h"
@@ -40,8 +39,7 @@ struct EditorManagerFixture
     FakeLoginItemService loginItem;
     FakeSystemLog systemLog;
     FakeDiagnosticsLog diagnostics;
-    NotificationCenter notifications;
-    AppSettings settings{store, loginItem, systemLog, notifications};
+    AppSettings settings{store, loginItem, systemLog};
     FakeScheduler scheduler;
     FakeClock clock;
     FakeDisplayProvider displays;
