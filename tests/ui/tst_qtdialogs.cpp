@@ -29,6 +29,23 @@ void whenShown(std::function<void(Dialog *)> answer)
     });
 }
 
+struct FileDialogSeen
+{
+    QString prompt;
+    QFileDialog::FileMode mode = QFileDialog::AnyFile;
+    QStringList filters;
+};
+
+// Notes what the file dialog offers, then chooses `path` in it or cancels.
+void answerFileDialog(FileDialogSeen &seen, const QString &path, bool accepted)
+{
+    whenShown<QFileDialog>([&seen, path, accepted](QFileDialog *dialog) {
+        seen = {dialog->labelText(QFileDialog::Accept), dialog->fileMode(), dialog->mimeTypeFilters()};
+        dialog->selectFile(path);
+        QMetaObject::invokeMethod(dialog, accepted ? "accept" : "reject");
+    });
+}
+
 } // namespace
 
 class QtDialogsTest : public QObject
@@ -57,19 +74,12 @@ void QtDialogsTest::folderChooserOffersFoldersOnly()
     QFETCH(bool, accepted);
     QTemporaryDir folder;
     QVERIFY(QDir(folder.path()).mkdir(u"shots"_s));
-    QString prompt;
-    QFileDialog::FileMode mode = QFileDialog::AnyFile;
-    whenShown<QFileDialog>([&](QFileDialog *dialog) {
-        prompt = dialog->labelText(QFileDialog::Accept);
-        mode = dialog->fileMode();
-        dialog->selectFile(folder.filePath(u"shots"_s));
-        QMetaObject::invokeMethod(dialog, accepted ? "accept" : "reject");
-    });
-    QtFolderChooser chooser;
-    QCOMPARE(chooser.chooseFolder(folder.path(), u"選択"_s),
+    FileDialogSeen seen;
+    answerFileDialog(seen, folder.filePath(u"shots"_s), accepted);
+    QCOMPARE(QtFolderChooser().chooseFolder(folder.path(), u"選択"_s),
              accepted ? std::optional(folder.filePath(u"shots"_s)) : std::nullopt);
-    QCOMPARE(prompt, u"選択"_s);
-    QCOMPARE(mode, QFileDialog::Directory);
+    QCOMPARE(seen.prompt, u"選択"_s);
+    QCOMPARE(seen.mode, QFileDialog::Directory);
 }
 
 void QtDialogsTest::openPanelOffersOneImage_data()
@@ -83,23 +93,14 @@ void QtDialogsTest::openPanelOffersOneImage()
     QTemporaryDir folder;
     const QString picture = folder.filePath(u"shot.png"_s);
     QImage(4, 4, QImage::Format_RGB32).save(picture);
-    QString prompt;
-    QFileDialog::FileMode mode = QFileDialog::Directory;
-    QStringList filters;
-    whenShown<QFileDialog>([&](QFileDialog *dialog) {
-        prompt = dialog->labelText(QFileDialog::Accept);
-        mode = dialog->fileMode();
-        filters = dialog->mimeTypeFilters();
-        dialog->selectFile(picture);
-        QMetaObject::invokeMethod(dialog, accepted ? "accept" : "reject");
-    });
-    QtOpenPanel panel;
+    FileDialogSeen seen;
+    answerFileDialog(seen, picture, accepted);
     const OpenPanel::Request request = EditorImageSources::imagePanelRequest();
-    QCOMPARE(panel.runModal(request), accepted ? std::optional(QUrl::fromLocalFile(picture)) : std::nullopt);
-    QCOMPARE(prompt, u"開く"_s);
-    QCOMPARE(mode, QFileDialog::ExistingFile);
-    QCOMPARE(filters, request.allowedContentTypes);
-    QVERIFY(filters.contains(u"image/png"_s));
+    QCOMPARE(QtOpenPanel().runModal(request), accepted ? std::optional(QUrl::fromLocalFile(picture)) : std::nullopt);
+    QCOMPARE(seen.prompt, u"開く"_s);
+    QCOMPARE(seen.mode, QFileDialog::ExistingFile);
+    QCOMPARE(seen.filters, request.allowedContentTypes);
+    QVERIFY(seen.filters.contains(u"image/png"_s));
 }
 
 void QtDialogsTest::offerTellsWhichButtonWasChosen_data()

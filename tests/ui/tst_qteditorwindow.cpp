@@ -4,7 +4,6 @@
 #include "ImageEditorWidget.h"
 
 #include "editor/ImageEditorModel.h"
-#include "editor/ImageEditorView.h"
 
 #include <QDropEvent>
 #include <QGuiApplication>
@@ -37,8 +36,6 @@ private slots:
     void launcherShowsTheDropTargetInAnEditorWindow();
     void controlQClosesOnlyThatWindow_data();
     void controlQClosesOnlyThatWindow();
-    void pasteFromTheClipboardOpensOrAlerts();
-    void droppedFileOpensTheFirstOnly();
     void corruptFileGetsTheAlert();
     void saveWritesBesideTheSourceAndCloses();
     void closingADetachedWindowForgetsIt();
@@ -112,39 +109,6 @@ void QtEditorWindowTest::controlQClosesOnlyThatWindow()
     f.key(detached, key, modifiers);
     QCOMPARE(f.manager.detachedEditorWindows().isEmpty(), closes);
     QCOMPARE(quitting.count(), 0);
-}
-
-void QtEditorWindowTest::pasteFromTheClipboardOpensOrAlerts()
-{
-    EditorWindowsFixture f;
-    f.manager.openEditorLauncher();
-    QtEditorWindow *window = f.primary();
-    QVERIFY(QTest::qWaitForWindowActive(window->widget()));
-    f.key(window, Qt::Key_V, Qt::ControlModifier);
-    QCOMPARE(f.alerts.alerts, (QList<QPair<QString, QString>>{
-                                  {u"クリップボードに画像がありません"_s, u"画像をコピーしてから、もう一度貼り付けてください。"_s}}));
-    QVERIFY(qobject_cast<EditorDropTargetWidget *>(window->contentWidget()));
-
-    f.pasteboard.image = EditorWindowsFixture::picture(64, 48);
-    f.key(window, Qt::Key_V, Qt::ControlModifier);
-    auto *editor = qobject_cast<ImageEditorWidget *>(f.primary()->contentWidget());
-    QVERIFY(editor);
-    QCOMPARE(editor->view().model().image(), *f.pasteboard.image);
-    QCOMPARE(f.alerts.alerts.size(), 1);
-}
-
-void QtEditorWindowTest::droppedFileOpensTheFirstOnly()
-{
-    EditorWindowsFixture f;
-    const QUrl first = f.writeFile(u"first.png"_s, EditorWindowsFixture::picture(120, 80));
-    const QUrl second = f.writeFile(u"second.png"_s, EditorWindowsFixture::picture(50, 50));
-    f.manager.openEditorLauncher();
-    dropURLs(f.primary()->contentWidget(), {first, second});
-    f.settle();
-    auto *editor = qobject_cast<ImageEditorWidget *>(f.primary()->contentWidget());
-    QVERIFY(editor);
-    QCOMPARE(editor->view().model().image().size(), QSize(120, 80));
-    QCOMPARE(f.manager.sourceFileURL(), first);
 }
 
 void QtEditorWindowTest::corruptFileGetsTheAlert()
