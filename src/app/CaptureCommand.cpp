@@ -8,7 +8,7 @@
 #include "X11SessionCheck.h"
 #include "XdgFolders.h"
 
-#include "capture/FileNaming.h"
+#include "output/FileNaming.h"
 #include "settings/SaveSettings.h"
 #include "settings/UserDefaults.h"
 

@@ -1,23 +1,16 @@
 #include "capture/CaptureSaver.h"
 
-#include "platform/DiagnosticsLog.h"
 #include "capture/CaptureServices.h"
-#include "capture/ClipboardCopy.h"
 #include "capture/EditorHandOff.h"
-#include "capture/FileNaming.h"
+#include "output/ClipboardCopy.h"
+#include "output/FileNaming.h"
 #include "platform/Clock.h"
-#include "platform/PngWriter.h"
-#include "platform/Scheduler.h"
+#include "platform/DiagnosticsLog.h"
 #include "platform/SoundPlayer.h"
-#include "platform/SystemLog.h"
 #include "settings/AppSettings.h"
 
 #include <QColorSpace>
-#include <QFile>
 #include <QUrl>
-
-#include <filesystem>
-#include <system_error>
 
 using namespace Qt::StringLiterals;
 
@@ -37,12 +30,28 @@ QImage withLogicalSize(const QImage &image, QSizeF logicalSize)
     return shown;
 }
 
-std::filesystem::path fileSystemPath(const QString &path)
+// The capture's log lines; a null image cannot occur here and reads as a failed write.
+const ImageWriter::Texts &captureTexts()
 {
-    return std::filesystem::path(QFile::encodeName(path).toStdString());
+    static const ImageWriter::Texts texts{
+        {u"Vistrel: ファイル保存に失敗しました: {reason}"_s, u"saveImage failed path={path} error={reason}"_s},
+        {u"Vistrel: 保存先がディレクトリではありません: {path}"_s,
+         u"saveImage failed: destination is not directory path={path}"_s},
+        {u"Vistrel: PNGデータの書き込みに失敗しました。"_s, u"saveImage failed: CGImageDestinationFinalize path={path}"_s},
+        {u"Vistrel: 画像書き込み先の生成に失敗しました。"_s,
+         u"saveImage failed: CGImageDestinationCreateWithURL path={path}"_s},
+        {u"Vistrel: PNGデータの書き込みに失敗しました。"_s, u"saveImage failed: CGImageDestinationFinalize path={path}"_s},
+        u"saveImage success path={path}"_s};
+    return texts;
 }
 
 } // namespace
+
+CaptureSaver::CaptureSaver(const CaptureServices &services)
+    : m_services(services),
+      m_writer({services.pngWriter, services.systemLog, services.diagnostics, services.scheduler})
+{
+}
 
 void CaptureSaver::completeCapture(const QImage &image, QSizeF logicalSize)
 {
@@ -50,17 +59,15 @@ void CaptureSaver::completeCapture(const QImage &image, QSizeF logicalSize)
     playShutterSound();
     copyImageToClipboard(shown);
 
-    const SaveSettings settings = currentSaveSettings();
-    m_services.scheduler.runInBackground([this, image, shown, settings] {
-        const std::optional<QString> path = saveImage(image, settings);
-        if (!path)
-            return;
-        m_services.scheduler.postToMain([this, shown, url = QUrl::fromLocalFile(*path)] {
-            m_services.diagnostics.write(u"capture saved and scheduleEditNotification"_s);
-            if (m_editorHandOff)
-                m_editorHandOff->scheduleEditNotification(shown, url);
-        });
-    });
+    m_writer.writeInBackground(saveRequest(image, currentSaveSettings()),
+                               [this, shown](const ImageWriter::Outcome &outcome) {
+                                   if (outcome.failure)
+                                       return;
+                                   m_services.diagnostics.write(u"capture saved and scheduleEditNotification"_s);
+                                   if (m_editorHandOff)
+                                       m_editorHandOff->scheduleEditNotification(
+                                           shown, QUrl::fromLocalFile(outcome.filePath));
+                               });
 }
 
 void CaptureSaver::playShutterSound()
@@ -90,36 +97,13 @@ QString CaptureSaver::makeFileName(const SaveSettings &settings) const
 
 std::optional<QString> CaptureSaver::saveImage(const QImage &image, const SaveSettings &settings) const
 {
-    const QString fileName = makeFileName(settings);
-    const QString folder = filenaming::resolvedFolderPath(settings.saveFolderPath);
-    const QString filePath = folder.endsWith(u'/') ? QString(folder % fileName) : QString(folder % u'/' % fileName);
-
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(fileSystemPath(folder), error);
-    if (!std::filesystem::exists(status)) {
-        std::filesystem::create_directories(fileSystemPath(folder), error);
-        if (error) {
-            const QString description = QString::fromStdString(error.message());
-            m_services.systemLog.log(u"Vistrel: ファイル保存に失敗しました: "_s % description);
-            m_services.diagnostics.write(u"saveImage failed path="_s % folder % u" error="_s % description);
-            return std::nullopt;
-        }
-    } else if (!std::filesystem::is_directory(status)) {
-        m_services.systemLog.log(u"Vistrel: 保存先がディレクトリではありません: "_s % folder);
-        m_services.diagnostics.write(u"saveImage failed: destination is not directory path="_s % folder);
+    const ImageWriter::Outcome outcome = m_writer.write(saveRequest(image, settings));
+    if (outcome.failure)
         return std::nullopt;
-    }
+    return outcome.filePath;
+}
 
-    if (const std::optional<PngWriter::Failure> failure = m_services.pngWriter.writeFile(image, filePath)) {
-        if (failure->kind == PngWriter::Failure::Kind::CannotCreateDestination) {
-            m_services.systemLog.log(u"Vistrel: 画像書き込み先の生成に失敗しました。"_s);
-            m_services.diagnostics.write(u"saveImage failed: CGImageDestinationCreateWithURL path="_s % filePath);
-        } else {
-            m_services.systemLog.log(u"Vistrel: PNGデータの書き込みに失敗しました。"_s);
-            m_services.diagnostics.write(u"saveImage failed: CGImageDestinationFinalize path="_s % filePath);
-        }
-        return std::nullopt;
-    }
-    m_services.diagnostics.write(u"saveImage success path="_s % filePath);
-    return filePath;
+ImageWriter::Request CaptureSaver::saveRequest(const QImage &image, const SaveSettings &settings) const
+{
+    return {image, filenaming::resolvedFolderPath(settings.saveFolderPath), makeFileName(settings), captureTexts()};
 }

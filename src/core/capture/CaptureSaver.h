@@ -1,5 +1,7 @@
 #pragma once
 
+#include "output/ImageWriter.h"
+
 #include <QImage>
 #include <QSizeF>
 #include <QString>
@@ -9,8 +11,9 @@
 class EditorHandOff;
 struct CaptureServices;
 
-// What happens to a captured image: the shutter sound and the clipboard at once, the PNG file on a
-// worker thread, then the hand-off to the editor back on the main thread.
+// What happens to a captured image: the shutter sound and the clipboard at once, the PNG file through
+// the image writer on a worker thread, then the hand-off to the editor back on the main thread. Owned
+// by the capture controller; main thread except saveImage().
 class CaptureSaver final
 {
 public:
@@ -26,7 +29,7 @@ public:
         bool includeDate = true;
     };
 
-    explicit CaptureSaver(const CaptureServices &services) : m_services(services) {}
+    explicit CaptureSaver(const CaptureServices &services);
 
     // Null until the editor is there; saved captures are then only saved.
     void setEditorHandOff(EditorHandOff *handOff) { m_editorHandOff = handOff; }
@@ -45,6 +48,9 @@ public:
     QString makeFileName(const SaveSettings &settings) const;
 
 private:
+    ImageWriter::Request saveRequest(const QImage &image, const SaveSettings &settings) const;
+
     const CaptureServices &m_services;
+    ImageWriter m_writer;
     EditorHandOff *m_editorHandOff = nullptr;
 };

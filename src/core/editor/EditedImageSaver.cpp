@@ -1,7 +1,7 @@
 #include "editor/EditedImageSaver.h"
 
-#include "capture/ClipboardCopy.h"
-#include "capture/FileNaming.h"
+#include "output/ClipboardCopy.h"
+#include "output/FileNaming.h"
 #include "platform/Clock.h"
 #include "platform/PngWriter.h"
 #include "platform/SystemLog.h"

@@ -1,4 +1,4 @@
-#include "capture/ClipboardCopy.h"
+#include "output/ClipboardCopy.h"
 
 #include "platform/Pasteboard.h"
 

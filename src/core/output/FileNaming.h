@@ -3,7 +3,7 @@
 #include <QDateTime>
 #include <QString>
 
-// Names and folders of saved captures.
+// Names and folders of saved pictures: captures, and edited pictures without a source file.
 namespace filenaming {
 
 // "yyyy-MM-dd_HH-mm-ss" in local time, with POSIX digits whatever the user's locale.

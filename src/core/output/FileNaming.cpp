@@ -1,4 +1,4 @@
-#include "capture/FileNaming.h"
+#include "output/FileNaming.h"
 
 #include <QDir>
 #include <QFileInfo>
