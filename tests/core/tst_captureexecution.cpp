@@ -72,19 +72,19 @@ void CaptureExecutionTest::refusals()
     f.showOverlay();
     f.view(0)->mouseDown(QPointF(10, 10));
     if (!selecting)
-        f.manager.cancelSelection();
+        f.session.cancelSelection();
     if (screen == NoScreen)
         f.window(0)->screenOverride = std::optional<DisplayInfo>();
     if (screen == RemainingScreen)
         f.window(0)->screenOverride = FakeDisplayProvider::display(2, Rect(-1440, 0, 1440, 900), 2);
     f.diagnostics.clear();
 
-    f.manager.capture(rect, f.window(0));
+    f.execution.capture(rect, f.window(0));
     f.scheduler.advance(1);
     QCOMPARE(f.lines(), expected);
     QCOMPARE(f.systemLog.messages(), systemLog);
-    QVERIFY(!f.manager.state().isCapturing);
-    QCOMPARE(f.manager.state().isSelecting, stillSelecting);
+    QVERIFY(!f.state.isCapturing());
+    QCOMPARE(f.state.isSelecting(), stillSelecting);
     QCOMPARE(f.window(0)->isVisible, stillSelecting);
     QCOMPARE(f.cursor.hiddenLevel(), stillSelecting && expected.isEmpty() ? 1 : 0);
     QVERIFY(f.pasteboard.contents.isEmpty());
@@ -96,17 +96,17 @@ void CaptureExecutionTest::frozenImageIsUsedWithoutWaiting()
     f.setDisplays({primary});
     f.showOverlay();
     f.drag(0, QPointF(10, 20), QPointF(110, 70));
-    QVERIFY(f.manager.state().isCapturing);
-    QVERIFY(!f.manager.state().isSelecting);
+    QVERIFY(f.state.isCapturing());
+    QVERIFY(!f.state.isSelecting());
     QVERIFY(!f.window(0)->isVisible);
     // Kept until the finish step has used them.
-    QCOMPARE(f.manager.state().frozenDisplaySnapshots.size(), 1);
+    QCOMPARE(f.state.frozenDisplaySnapshots.size(), 1);
 
     f.scheduler.runUntilIdle();
     QCOMPARE(f.pasteboard.contents.first().size(), QSize(200, 100));
-    QVERIFY(!f.manager.state().isCapturing);
-    QVERIFY(f.manager.state().frozenDisplaySnapshots.isEmpty());
-    const std::optional<LastSelectionRegion> region = f.manager.state().lastSelectionRegion;
+    QVERIFY(!f.state.isCapturing());
+    QVERIFY(f.state.frozenDisplaySnapshots.isEmpty());
+    const std::optional<LastSelectionRegion> region = f.state.lastSelectionRegion;
     QVERIFY(region);
     QCOMPARE(region->displayID, 1u);
     QCOMPARE(region->localRect, Rect(10, 20, 100, 50));
@@ -129,13 +129,13 @@ void CaptureExecutionTest::liveCaptureWaitsForTheOverlayToLeave()
     QFETCH(bool, freezing);
     CaptureFixture f;
     f.setDisplays({primary});
-    f.manager.setUseFrozenBackground(freezing);
+    f.state.useFrozenBackground = freezing;
     if (freezing) {
         f.capturer.displayOutcomes = {{QImage(), std::nullopt}};
         f.capturer.rectOutcomes = {{QImage(), std::nullopt}};
     }
     f.showOverlay();
-    QVERIFY(f.manager.state().frozenDisplaySnapshots.isEmpty());
+    QVERIFY(f.state.frozenDisplaySnapshots.isEmpty());
     const qsizetype freezeCalls = f.capturer.displayCalls.size();
     f.drag(0, QPointF(10, 20), QPointF(110, 70));
     QVERIFY(!f.window(0)->isVisible);
@@ -146,8 +146,8 @@ void CaptureExecutionTest::liveCaptureWaitsForTheOverlayToLeave()
     QCOMPARE(f.scheduler.requestedDelays(), QList<double>{0.06});
     f.scheduler.runUntilIdle();
     QCOMPARE(f.pasteboard.contents.size(), 1);
-    QVERIFY(f.manager.state().lastSelectionRegion);
-    QVERIFY(!f.manager.state().isCapturing);
+    QVERIFY(f.state.lastSelectionRegion);
+    QVERIFY(!f.state.isCapturing());
     QVERIFY(f.linesStartingWith(u"capture attempts exhausted"_s).isEmpty());
 }
 
@@ -166,7 +166,7 @@ void CaptureExecutionTest::screenWithoutIDGoesStraightToTheDesktopRectangle()
                           u"capture displayID unavailable, falling back to global rect={{10, 530}, {100, 50}}"_s}));
     QCOMPARE(f.capturer.rectCalls, QList<Rect>{Rect(10, 530, 100, 50)});
     QCOMPARE(f.pasteboard.contents.size(), 1);
-    QVERIFY(!f.manager.state().lastSelectionRegion);
+    QVERIFY(!f.state.lastSelectionRegion);
 }
 
 void CaptureExecutionTest::attempts_data()
@@ -234,8 +234,8 @@ void CaptureExecutionTest::attempts()
     f.capturer.rectOutcomes = rectOutcomes;
 
     std::optional<QImage> result;
-    f.manager.performCaptureAttempts(hasID ? std::optional<quint32>(1) : std::nullopt, Rect(10, 20, 100, 50),
-                                     primary.frame, 2, prefix, [&](QImage image) { result = image; });
+    f.parts.attempts.performCaptureAttempts(hasID ? std::optional<quint32>(1) : std::nullopt, Rect(10, 20, 100, 50),
+                                            primary.frame, 2, prefix, [&](QImage image) { result = image; });
     QVERIFY(!result); // completions arrive through the main thread's queue
     f.scheduler.runUntilIdle();
     QVERIFY(result);
@@ -248,7 +248,7 @@ void CaptureExecutionTest::failedCaptureKeepsThePreviousRegion()
     CaptureFixture f;
     f.setDisplays({primary});
     f.captureRegion(0, Rect(10, 20, 100, 50));
-    const LastSelectionRegion first = *f.manager.state().lastSelectionRegion;
+    const LastSelectionRegion first = *f.state.lastSelectionRegion;
     f.sounds.played.clear();
 
     // Every read fails: the freeze, the overlay's live background, the capture.
@@ -257,31 +257,31 @@ void CaptureExecutionTest::failedCaptureKeepsThePreviousRegion()
     f.captureRegion(0, Rect(300, 300, 40, 40));
     QCOMPARE(f.linesStartingWith(u"capture attempts exhausted"_s),
              QStringList{u"capture attempts exhausted display=1"_s});
-    QCOMPARE(f.manager.state().lastSelectionRegion->localRect, first.localRect);
+    QCOMPARE(f.state.lastSelectionRegion->localRect, first.localRect);
     QCOMPARE(f.pasteboard.writeCount, 1);
     QVERIFY(f.sounds.played.isEmpty());
-    QVERIFY(!f.manager.state().isBusy());
+    QVERIFY(!f.state.isBusy());
 }
 
 void CaptureExecutionTest::refusedPermissionAtCaptureTime()
 {
     CaptureFixture f;
     f.setDisplays({primary});
-    f.manager.setUseFrozenBackground(false);
+    f.state.useFrozenBackground = false;
     f.showOverlay();
     f.permission.preflightResult = false;
     f.permission.requestResult = false;
     f.view(0)->mouseDown(QPointF(10, 10));
     f.view(0)->mouseDragged(QPointF(50, 50));
-    f.manager.capture(Rect(10, 10, 40, 40), f.window(0));
+    f.execution.capture(Rect(10, 10, 40, 40), f.window(0));
     f.scheduler.advance(1);
     f.scheduler.runBackgroundTasks();
     QCOMPARE(f.systemLog.messages(), QStringList{u"Vistrel: 画面収録の許可が必要です。システム設定を開きます。"_s});
     QCOMPARE(f.workspace.opened.size(), 1);
     QVERIFY(f.capturer.displayCalls.isEmpty());
-    QVERIFY(!f.manager.state().isBusy());
+    QVERIFY(!f.state.isBusy());
     QCOMPARE(f.cursor.hiddenLevel(), 0);
-    QVERIFY(!f.manager.state().lastSelectionRegion);
+    QVERIFY(!f.state.lastSelectionRegion);
 }
 
 QTEST_MAIN(CaptureExecutionTest)

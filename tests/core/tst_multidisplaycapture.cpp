@@ -182,7 +182,7 @@ void MultiDisplayCaptureTest::liveCapture()
     QFETCH(Rect, globalRect);
 
     CaptureFixture f;
-    f.manager.setUseFrozenBackground(false);
+    f.state.useFrozenBackground = false;
     f.setDisplays(row.screens);
     f.showOverlay();
     const QList<DisplayInfo> current = row.screensLater.isEmpty() ? row.screens : row.screensLater;

@@ -80,7 +80,7 @@ void RepeatCaptureTest::outcomes()
     f.setDisplays({primary, wide});
     if (condition != u"no region"_s)
         f.captureRegion(1, Rect(100, 200, 300, 150));
-    const std::optional<LastSelectionRegion> before = f.manager.state().lastSelectionRegion;
+    const std::optional<LastSelectionRegion> before = f.state.lastSelectionRegion;
     const int pastes = f.pasteboard.writeCount;
 
     if (condition == u"selecting"_s) {
@@ -102,7 +102,7 @@ void RepeatCaptureTest::outcomes()
     f.systemLog.clear();
     f.sounds.played.clear();
 
-    f.manager.captureLastSelection();
+    f.parts.repeat.captureLastSelection();
     f.scheduler.runUntilIdle();
     f.scheduler.runBackgroundTasks();
 
@@ -113,13 +113,13 @@ void RepeatCaptureTest::outcomes()
     QCOMPARE(f.sounds.beepCount(), beeps);
     QCOMPARE(f.pasteboard.writeCount - pastes, saved ? 1 : 0);
     if (regionAfter == u"absent"_s) {
-        QVERIFY(!f.manager.state().lastSelectionRegion);
+        QVERIFY(!f.state.lastSelectionRegion);
     } else {
-        QVERIFY(f.manager.state().lastSelectionRegion);
-        QCOMPARE(f.manager.state().lastSelectionRegion->localRect, before->localRect);
-        QCOMPARE(f.manager.state().lastSelectionRegion->screenFrame, before->screenFrame);
+        QVERIFY(f.state.lastSelectionRegion);
+        QCOMPARE(f.state.lastSelectionRegion->localRect, before->localRect);
+        QCOMPARE(f.state.lastSelectionRegion->screenFrame, before->screenFrame);
     }
-    QCOMPARE(f.manager.state().isCapturing, false);
+    QCOMPARE(f.state.isCapturing(), false);
     if (condition == u"refused"_s) {
         QCOMPARE(f.systemLog.messages(), QStringList{u"Vistrel: 画面収録の許可が必要です。システム設定を開きます。"_s});
         QCOMPARE(f.workspace.opened.size(), 1);
@@ -136,7 +136,7 @@ void RepeatCaptureTest::repeatsLiveWithoutOverlayOrDelay()
     const QList<double> delays = f.scheduler.requestedDelays();
     f.capturer.displayCalls.clear();
 
-    f.manager.captureLastSelection();
+    f.parts.repeat.captureLastSelection();
     f.scheduler.runUntilIdle();
     QCOMPARE(f.capturer.displayCalls.size(), 1);
     // The region as stored: aligned to the 2x display's half points, from the live screen.
@@ -156,7 +156,7 @@ void RepeatCaptureTest::regionIsCutAtTheNewRightEdge()
     f.setDisplays({primary, FakeDisplayProvider::display(2, Rect(1440, 0, 1920, 1080), 1)});
     f.diagnostics.clear();
     f.capturer.displayCalls.clear();
-    f.manager.captureLastSelection();
+    f.parts.repeat.captureLastSelection();
     f.scheduler.runUntilIdle();
     QCOMPARE(f.linesStartingWith(u"repeat capture begin"_s),
              QStringList{u"repeat capture begin display=2 localRect={{1800, 100}, {120, 300}} "

@@ -57,19 +57,19 @@ void SelectionSessionTest::startIsIgnoredWhileBusy()
     if (phase == u"preparing"_s) {
         f.permission.preflightResult = false;
         f.showOverlay();
-        QVERIFY(f.manager.state().isPreparingSelection);
+        QVERIFY(f.state.isPreparingSelection());
     } else {
         f.showOverlay();
-        QVERIFY(f.manager.state().isSelecting);
+        QVERIFY(f.state.isSelecting());
         if (phase == u"capturing"_s) {
-            f.manager.setUseFrozenBackground(false);
+            f.state.useFrozenBackground = false;
             f.drag(0, QPointF(10, 10), QPointF(50, 50));
-            QVERIFY(f.manager.state().isCapturing);
+            QVERIFY(f.state.isCapturing());
         }
     }
     const QStringList before = f.lines();
     const int windowsBefore = f.windowFactory.windows.size();
-    f.manager.startSelection();
+    f.session.startSelection();
     f.scheduler.runUntilIdle();
     QCOMPARE(f.lines(), before);
     QCOMPARE(f.windowFactory.windows.size(), windowsBefore);
@@ -95,7 +95,7 @@ void SelectionSessionTest::permissionIsAskedOffTheMainThread()
     QCOMPARE(f.scheduler.pendingBackgroundTasks(), 1);
     f.scheduler.runBackgroundTasks();
     QCOMPARE(f.permission.requestCount, 1);
-    QCOMPARE(f.manager.state().isSelecting, granted);
+    QCOMPARE(f.state.isSelecting(), granted);
     QCOMPARE(f.windowFactory.windows.size(), granted ? 1 : 0);
     if (granted)
         return;
@@ -103,7 +103,7 @@ void SelectionSessionTest::permissionIsAskedOffTheMainThread()
     QCOMPARE(f.workspace.opened,
              QList<QUrl>{QUrl(u"x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture"_s)});
     QCOMPARE(f.lines(), QStringList{u"startSelection accepted"_s});
-    QVERIFY(!f.manager.state().isBusy());
+    QVERIFY(!f.state.isBusy());
     QVERIFY(f.capturer.displayCalls.isEmpty());
 }
 
@@ -121,7 +121,7 @@ void SelectionSessionTest::displaysAreFrozenOneAfterAnother()
     QCOMPARE(f.capturer.displayCalls.at(1).displayID, 2u);
     QCOMPARE(f.capturer.displayCalls.at(1).outputSize, QSize(1280, 1024));
 
-    const QMap<quint32, FrozenDisplaySnapshot> &snapshots = f.manager.state().frozenDisplaySnapshots;
+    const QMap<quint32, FrozenDisplaySnapshot> &snapshots = f.state.frozenDisplaySnapshots;
     QCOMPARE(snapshots.keys(), (QList<quint32>{1, 2}));
     QCOMPARE(snapshots.value(2).logicalFrame, secondary.frame);
     QCOMPARE(f.view(0)->frozenBackgroundImage().size(), QSize(2880, 1800));
@@ -181,7 +181,7 @@ void SelectionSessionTest::freezeFallsBackThenLeavesTheDisplayLive()
         rectCalls.append(Rect(1440, 0, 1280, 1024));
     QCOMPARE(f.capturer.rectCalls, rectCalls);
     const int expectedCount = rectWorks ? 2 : 1;
-    QCOMPARE(f.manager.state().frozenDisplaySnapshots.size(), expectedCount);
+    QCOMPARE(f.state.frozenDisplaySnapshots.size(), expectedCount);
     QVERIFY(f.lines().contains(u"frozen displays captured count=%1 via ScreenCaptureKit"_s.arg(expectedCount)));
     QCOMPARE(f.linesStartingWith(u"frozen capture failed"_s),
              expectedLine.isEmpty() ? QStringList() : QStringList{expectedLine});
@@ -215,7 +215,7 @@ void SelectionSessionTest::poolGrowsAndOrdersOutExtraWindows()
     f.setDisplays({primary, secondary});
     f.showOverlay();
     SelectionView *firstView = f.view(0);
-    f.manager.cancelSelection();
+    f.session.cancelSelection();
 
     f.setDisplays({primary, secondary, third});
     f.showOverlay();
@@ -225,7 +225,7 @@ void SelectionSessionTest::poolGrowsAndOrdersOutExtraWindows()
 
     // Shown again over fewer displays, the windows left over leave the screen but stay in the pool.
     f.setDisplays({third});
-    f.manager.showSelectionWindow();
+    f.session.showSelectionWindow();
     QCOMPARE(f.windowFactory.windows.size(), 3);
     QCOMPARE(f.window(0)->frame(), third.frame);
     QVERIFY(f.window(0)->isVisible && f.window(0)->isKey);
@@ -241,12 +241,12 @@ void SelectionSessionTest::escapeMonitorIsInstalledOnceAndRemovedOnClose()
     QVERIFY(!f.keyMonitor.press(53)); // no selection: Escape passes on
 
     f.showOverlay();
-    f.manager.showSelectionWindow();
+    f.session.showSelectionWindow();
     QCOMPARE(f.keyMonitor.addCount, 1);
     QVERIFY(!f.keyMonitor.press(12));
-    QVERIFY(f.manager.state().isSelecting);
+    QVERIFY(f.state.isSelecting());
     QVERIFY(f.keyMonitor.press(53));
-    QVERIFY(!f.manager.state().isSelecting);
+    QVERIFY(!f.state.isSelecting());
     QCOMPARE(f.keyMonitor.removeCount, 1);
     QVERIFY(f.keyMonitor.monitors.isEmpty());
     QVERIFY(!f.keyMonitor.press(53));
@@ -275,7 +275,7 @@ void SelectionSessionTest::cursorHidesAndUnhidesInPairs()
     QFETCH(QString, ending);
     CaptureFixture f;
     f.setDisplays({primary});
-    f.manager.setUseFrozenBackground(ending != u"live capture"_s);
+    f.state.useFrozenBackground = ending != u"live capture"_s;
     f.showOverlay();
     if (ending == u"live capture"_s) // without freezing, nothing is captured before the drag ends
         QVERIFY(f.capturer.displayCalls.isEmpty() && f.view(0)->frozenBackgroundImage().isNull());
@@ -289,12 +289,12 @@ void SelectionSessionTest::cursorHidesAndUnhidesInPairs()
         QVERIFY(f.keyMonitor.press(53));
     } else if (ending == u"space"_s) {
         view->keyDown(49);
-        QVERIFY(f.manager.state().isSelecting);
+        QVERIFY(f.state.isSelecting());
         QVERIFY(f.keyMonitor.press(53));
     } else if (ending == u"no screen"_s) {
         f.window(0)->screenOverride = std::optional<DisplayInfo>();
-        f.manager.capture(Rect(10, 10, 50, 50), f.window(0));
-        QVERIFY(f.manager.state().isSelecting);
+        f.execution.capture(Rect(10, 10, 50, 50), f.window(0));
+        QVERIFY(f.state.isSelecting());
         QCOMPARE(f.cursor.hiddenLevel(), 0);
         view->mouseUp(QPointF(10, 10));
     } else {
@@ -304,8 +304,8 @@ void SelectionSessionTest::cursorHidesAndUnhidesInPairs()
     f.scheduler.advance(1);
     QCOMPARE(f.cursor.hiddenLevel(), 0);
     QCOMPARE(f.cursor.hideCount, 1);
-    QVERIFY(!f.manager.state().didHideSelectionCursor);
-    QVERIFY(!f.manager.state().isBusy());
+    QVERIFY(!f.state.didHideSelectionCursor());
+    QVERIFY(!f.state.isBusy());
 }
 
 void SelectionSessionTest::cancelDropsTheFrozenImages()
@@ -313,15 +313,15 @@ void SelectionSessionTest::cancelDropsTheFrozenImages()
     CaptureFixture f;
     f.setDisplays({primary});
     f.showOverlay();
-    QCOMPARE(f.manager.state().frozenDisplaySnapshots.size(), 1);
-    f.manager.closeSelectionWindows(true, false);
-    QCOMPARE(f.manager.state().frozenDisplaySnapshots.size(), 1);
-    QVERIFY(!f.manager.state().isSelecting);
+    QCOMPARE(f.state.frozenDisplaySnapshots.size(), 1);
+    f.session.closeSelectionWindows(true, false);
+    QCOMPARE(f.state.frozenDisplaySnapshots.size(), 1);
+    QVERIFY(!f.state.isSelecting());
     // The hidden views let go of theirs at once; only the snapshots wait for the capture.
     QVERIFY(f.view(0)->frozenBackgroundImage().isNull());
     f.showOverlay();
-    f.manager.cancelSelection();
-    QVERIFY(f.manager.state().frozenDisplaySnapshots.isEmpty());
+    f.session.cancelSelection();
+    QVERIFY(f.state.frozenDisplaySnapshots.isEmpty());
     QVERIFY(!f.window(0)->isVisible);
 }
 
@@ -348,13 +348,13 @@ void SelectionSessionTest::screenChangeDiscardsARegionOfAGoneDisplay()
     CaptureFixture f;
     f.setDisplays({primary, secondary});
     f.captureRegion(1, Rect(10, 10, 100, 100));
-    QVERIFY(f.manager.state().lastSelectionRegion);
+    QVERIFY(f.state.lastSelectionRegion);
     f.diagnostics.clear();
 
     f.setDisplays(after);
     f.displays.notifyScreenParametersChanged();
     QCOMPARE(f.lines(), expected);
-    QCOMPARE(bool(f.manager.state().lastSelectionRegion), regionKept);
+    QCOMPARE(bool(f.state.lastSelectionRegion), regionKept);
 }
 
 void SelectionSessionTest::noDisplaysEndsTheSession()
@@ -363,7 +363,7 @@ void SelectionSessionTest::noDisplaysEndsTheSession()
     f.setDisplays({});
     f.showOverlay();
     QVERIFY(f.lines().contains(u"showSelectionWindow screens=0 layout="_s));
-    QVERIFY(!f.manager.state().isBusy());
+    QVERIFY(!f.state.isBusy());
     QVERIFY(f.keyMonitor.monitors.isEmpty());
     f.diagnostics.clear();
     f.showOverlay();

@@ -78,7 +78,7 @@ void WindowUnderCursorTest::frontmostSuitableWindow()
     CaptureFixture f;
     f.setDisplays({primary, secondary});
     f.windowList.windows = windows;
-    const std::optional<WindowUnderCursor::WindowInfo> found = f.manager.windowInfoUnderCursor(point);
+    const std::optional<WindowUnderCursor::WindowInfo> found = f.parts.windowUnderCursor.windowInfoUnderCursor(point);
     QCOMPARE(found ? found->id : -1, expected);
     if (found && expected == 7)
         QCOMPARE(found->bounds.maxY(), 900 - windows.first().bounds->y());
@@ -100,7 +100,7 @@ void WindowUnderCursorTest::spaceCapturesTheWindowCutToThePointersDisplay()
     // Cut from the frozen image of the second display, as it looked when the selection began.
     QCOMPARE(f.pasteboard.contents.size(), 1);
     QCOMPARE(f.pasteboard.contents.first().size(), QSize(200, 300));
-    QCOMPARE(f.manager.state().lastSelectionRegion->displayID, 2u);
+    QCOMPARE(f.state.lastSelectionRegion->displayID, 2u);
 }
 
 void WindowUnderCursorTest::spaceOverNothingBeepsAndKeepsTheSelection()
@@ -114,7 +114,7 @@ void WindowUnderCursorTest::spaceOverNothingBeepsAndKeepsTheSelection()
     f.view(0)->keyDown(49);
     QCOMPARE(f.lines(), QStringList{u"window selection skipped: no target window under cursor"_s});
     QCOMPARE(f.sounds.played, QStringList{u"beep"_s});
-    QVERIFY(f.manager.state().isSelecting);
+    QVERIFY(f.state.isSelecting());
     QVERIFY(f.window(0)->isVisible);
 
     // The pointer on no overlay window at all.
@@ -130,20 +130,20 @@ void WindowUnderCursorTest::spaceOutsideASelectionDoesNothing()
     f.setDisplays({primary});
     f.windowList.windows = QList<Entry>{window(Rect(0, 0, 1000, 800), u"Safari"_s, 42)};
     f.cursor.position = QPointF(100, 400);
-    f.manager.captureWindowUnderCursor();
+    f.execution.captureWindowUnderCursor();
     QVERIFY(f.lines().isEmpty());
     QVERIFY(f.sounds.played.isEmpty());
     // An unreadable window list finds nothing.
     f.windowList.windows.reset();
-    QVERIFY(!f.manager.windowInfoUnderCursor(QPointF(100, 400)));
+    QVERIFY(!f.parts.windowUnderCursor.windowInfoUnderCursor(QPointF(100, 400)));
     f.windowList.windows = QList<Entry>{window(Rect(0, 0, 1000, 800), u"Safari"_s, 42)};
 
-    f.manager.setUseFrozenBackground(false);
+    f.state.useFrozenBackground = false;
     f.showOverlay();
     f.view(0)->keyDown(49);
-    QVERIFY(f.manager.state().isCapturing);
+    QVERIFY(f.state.isCapturing());
     f.diagnostics.clear();
-    f.manager.captureWindowUnderCursor();
+    f.execution.captureWindowUnderCursor();
     QVERIFY(f.lines().isEmpty());
 }
 

@@ -8,31 +8,46 @@
 #include "capture/CaptureState.h"
 #include "capture/PermissionGate.h"
 #include "capture/SelectionSession.h"
+#include "capture/WindowUnderCursor.h"
 #include "geometry/TraceFormat.h"
 #include "platform/DisplayProvider.h"
 #include "platform/Scheduler.h"
 #include "platform/SelectionWindow.h"
+#include "platform/SoundPlayer.h"
 #include "platform/SystemLog.h"
 
 using namespace Qt::StringLiterals;
 
 CaptureExecution::CaptureExecution(CaptureState &state, const CaptureServices &services, SelectionSession &session,
-                                   PermissionGate &permission, CaptureAttempts &attempts, CaptureSaver &saver)
+                                   PermissionGate &permission, CaptureAttempts &attempts, CaptureSaver &saver,
+                                   const WindowUnderCursor &windowUnderCursor)
     : m_state(state), m_services(services), m_session(session), m_permission(permission), m_attempts(attempts),
-      m_saver(saver)
+      m_saver(saver), m_windowUnderCursor(windowUnderCursor)
 {
+}
+
+void CaptureExecution::captureWindowUnderCursor()
+{
+    if (!m_state.isSelecting() || m_state.isCapturing())
+        return;
+    const std::optional<CursorWindowSelection> selection = m_windowUnderCursor.makeWindowSelectionUnderCursor();
+    if (!selection) {
+        m_services.sounds.beep();
+        m_services.diagnostics.write(u"window selection skipped: no target window under cursor"_s);
+        return;
+    }
+    capture(selection->localRect, selection->overlayWindow);
 }
 
 void CaptureExecution::capture(const Rect &rect, SelectionWindow *window)
 {
-    if (!m_state.isSelecting) {
+    if (!m_state.isSelecting()) {
         m_services.diagnostics.write(u"capture ignored: selection inactive"_s);
         return;
     }
-    if (!(rect.width() > 0) || !(rect.height() > 0) || m_state.isCapturing || !window)
+    if (!(rect.width() > 0) || !(rect.height() > 0) || m_state.isCapturing() || !window)
         return;
-    m_state.isPreparingSelection = false;
-    m_state.isCapturing = true;
+    m_state.beginCapturing();
     m_services.diagnostics.write(u"capture begin rect="_s % trace::rect(rect));
 
     std::optional<DisplayInfo> screen = window->screen();
@@ -93,7 +108,7 @@ void CaptureExecution::capture(const Rect &rect, SelectionWindow *window)
 void CaptureExecution::abort()
 {
     m_session.restoreSelectionCursorIfNeeded();
-    m_state.isCapturing = false;
+    m_state.endCapturing();
 }
 
 void CaptureExecution::captureLive(const Target &target)
@@ -122,7 +137,7 @@ void CaptureExecution::finish(const QImage &image, const Target &target)
         m_state.lastSelectionRegion = target.candidateRegion;
         m_saver.completeCapture(image, target.localRect.size());
     }
-    m_state.isCapturing = false;
+    m_state.endCapturing();
     m_state.frozenDisplaySnapshots.clear();
     m_session.restoreSelectionCursorIfNeeded();
 }

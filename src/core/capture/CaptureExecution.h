@@ -12,12 +12,13 @@ class CaptureSaver;
 class PermissionGate;
 class SelectionSession;
 class SelectionWindow;
+class WindowUnderCursor;
 struct CaptureServices;
 struct CaptureState;
 
 // Turns a rectangle chosen in a selection window into an image: aligned to the display's pixels, cut
 // from the frozen image of the display when there is one, otherwise taken live once the overlay has
-// left the screen. Main thread.
+// left the screen; or the window under the pointer. Main thread.
 class CaptureExecution final
 {
 public:
@@ -25,10 +26,13 @@ public:
     static constexpr double overlaySettleDelay = 0.06;
 
     CaptureExecution(CaptureState &state, const CaptureServices &services, SelectionSession &session,
-                     PermissionGate &permission, CaptureAttempts &attempts, CaptureSaver &saver);
+                     PermissionGate &permission, CaptureAttempts &attempts, CaptureSaver &saver,
+                     const WindowUnderCursor &windowUnderCursor);
 
     // `rect` is in the window's own coordinates.
     void capture(const Rect &rect, SelectionWindow *window);
+    // The window under the pointer, cut to its display's overlay; a beep when there is none.
+    void captureWindowUnderCursor();
 
 private:
     struct Target
@@ -51,4 +55,5 @@ private:
     PermissionGate &m_permission;
     CaptureAttempts &m_attempts;
     CaptureSaver &m_saver;
+    const WindowUnderCursor &m_windowUnderCursor;
 };

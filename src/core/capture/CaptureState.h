@@ -12,9 +12,10 @@ class AppSettings;
 
 // The capture controller's state, shared by its parts. Main thread only.
 //
-// Idle: every flag false. Preparing: from an accepted start until the overlay shows (or permission is
-// refused). Selecting: the overlay is up. Capturing: from a capture request until its image is handled
-// or it is abandoned; it overlaps Selecting only while the overlay is being closed.
+// Idle: no phase. Preparing: from an accepted start until the overlay shows (or permission is refused).
+// Selecting: the overlay is up. Capturing: from a capture request until its image is handled or it is
+// abandoned; it overlaps Selecting while the overlay is being closed, and stays with it when a request
+// is abandoned before the overlay left. The phases change only through the operations below.
 struct CaptureState
 {
     CaptureState(AppSettings &appSettings, SelectionWindowFactory &windowFactory)
@@ -22,18 +23,46 @@ struct CaptureState
     {
     }
 
+    bool isPreparingSelection() const { return m_isPreparingSelection; }
+    bool isSelecting() const { return m_isSelecting; }
+    bool isCapturing() const { return m_isCapturing; }
+    bool isBusy() const { return m_isSelecting || m_isCapturing || m_isPreparingSelection; }
+
+    void beginPreparing() { m_isPreparingSelection = true; }
+    // Permission refused, or the overlay closed before it showed.
+    void cancelPreparing() { m_isPreparingSelection = false; }
+    void beginSelecting()
+    {
+        m_isPreparingSelection = false;
+        m_isSelecting = true;
+    }
+    void endSelecting()
+    {
+        m_isPreparingSelection = false;
+        m_isSelecting = false;
+    }
+    void beginCapturing()
+    {
+        m_isPreparingSelection = false;
+        m_isCapturing = true;
+    }
+    void endCapturing() { m_isCapturing = false; }
+
+    // A view hid the pointer and the hide has not been balanced yet.
+    bool didHideSelectionCursor() const { return m_didHideSelectionCursor; }
+    void setSelectionCursorHidden(bool hidden) { m_didHideSelectionCursor = hidden; }
+
     AppSettings &settings;
     // Freezing is not a user setting; the live-only branch is kept working all the same.
     bool useFrozenBackground = true;
     SelectionWindowPool selectionWindows;
-    bool isSelecting = false;
-    bool isCapturing = false;
-    bool isPreparingSelection = false;
     std::optional<KeyEventMonitor::Handle> selectionEscapeMonitor;
     QMap<quint32, FrozenDisplaySnapshot> frozenDisplaySnapshots;
     std::optional<LastSelectionRegion> lastSelectionRegion;
-    // A view hid the pointer and the hide has not been balanced yet.
-    bool didHideSelectionCursor = false;
 
-    bool isBusy() const { return isSelecting || isCapturing || isPreparingSelection; }
+private:
+    bool m_isSelecting = false;
+    bool m_isCapturing = false;
+    bool m_isPreparingSelection = false;
+    bool m_didHideSelectionCursor = false;
 };

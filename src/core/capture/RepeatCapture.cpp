@@ -35,7 +35,7 @@ void RepeatCapture::run()
     }
     const LastSelectionRegion region = *m_state.lastSelectionRegion;
     const QString display = QString::number(region.displayID);
-    m_state.isCapturing = true;
+    m_state.beginCapturing();
 
     std::optional<DisplayInfo> screen;
     for (const DisplayInfo &candidate : m_services.displays.screens()) {
@@ -45,7 +45,7 @@ void RepeatCapture::run()
         }
     }
     if (!screen) {
-        m_state.isCapturing = false;
+        m_state.endCapturing();
         m_state.lastSelectionRegion.reset();
         refuse(u"repeat capture skipped: display="_s % display % u" is no longer connected"_s);
         return;
@@ -62,7 +62,7 @@ void RepeatCapture::run()
     const Rect clamped = region.localRect.intersected(capturegeometry::localBounds(frame));
     const Rect aligned = capturegeometry::pixelAlignedRect(clamped, scale);
     if (aligned.isEmpty() || !aligned.isFinite()) {
-        m_state.isCapturing = false;
+        m_state.endCapturing();
         refuse(u"repeat capture skipped: stored rect out of current screen bounds"_s);
         return;
     }
@@ -77,7 +77,7 @@ void RepeatCapture::run()
     m_permission.ensureScreenCapturePermission([this, region, aligned, frame, scale, display](bool granted) {
         if (!granted) {
             m_permission.showPermissionAlert();
-            m_state.isCapturing = false;
+            m_state.endCapturing();
             return;
         }
         m_attempts.performCaptureAttempts(region.displayID, aligned, frame, scale, u"repeat capture"_s,
@@ -86,7 +86,7 @@ void RepeatCapture::run()
                                                   refuse(u"repeat capture attempts exhausted display="_s % display);
                                               else
                                                   m_saver.completeCapture(image, aligned.size());
-                                              m_state.isCapturing = false;
+                                              m_state.endCapturing();
                                           });
     });
 }

@@ -33,11 +33,11 @@ void SelectionSession::beginSelection()
 {
     if (m_state.isBusy())
         return;
-    m_state.isPreparingSelection = true;
+    m_state.beginPreparing();
     m_services.diagnostics.write(u"startSelection accepted"_s);
     m_permission.ensureScreenCapturePermission([this](bool granted) {
         if (!granted) {
-            m_state.isPreparingSelection = false;
+            m_state.cancelPreparing();
             m_permission.showPermissionAlert();
             return;
         }
@@ -79,8 +79,7 @@ void SelectionSession::captureFrozenDisplayImages(std::function<void()> completi
 
 void SelectionSession::showSelectionWindow()
 {
-    m_state.isPreparingSelection = false;
-    m_state.isSelecting = true;
+    m_state.beginSelecting();
     installSelectionEscapeMonitorIfNeeded();
 
     const QList<DisplayInfo> screens = m_services.displays.screens();
@@ -147,7 +146,7 @@ void SelectionSession::installSelectionEscapeMonitorIfNeeded()
     if (m_state.selectionEscapeMonitor)
         return;
     m_state.selectionEscapeMonitor = m_services.keyMonitor.addLocalKeyDownMonitor([this](int keyCode) {
-        if (!m_state.isSelecting || keyCode != SelectionView::escapeKeyCode)
+        if (!m_state.isSelecting() || keyCode != SelectionView::escapeKeyCode)
             return false;
         cancelSelection();
         return true;
@@ -164,7 +163,6 @@ void SelectionSession::removeSelectionEscapeMonitorIfNeeded()
 
 void SelectionSession::closeSelectionWindows(bool keepFrozenImages, bool restoreCursor)
 {
-    m_state.isPreparingSelection = false;
     removeSelectionEscapeMonitorIfNeeded();
     for (const SelectionWindowPool::Entry &entry : m_state.selectionWindows.entries()) {
         if (entry.view) {
@@ -177,7 +175,7 @@ void SelectionSession::closeSelectionWindows(bool keepFrozenImages, bool restore
     }
     if (!keepFrozenImages)
         m_state.frozenDisplaySnapshots.clear();
-    m_state.isSelecting = false;
+    m_state.endSelecting();
 }
 
 void SelectionSession::cancelSelection()
@@ -187,12 +185,12 @@ void SelectionSession::cancelSelection()
 
 void SelectionSession::selectionCursorDidHide()
 {
-    m_state.didHideSelectionCursor = true;
+    m_state.setSelectionCursorHidden(true);
 }
 
 void SelectionSession::selectionCursorDidRestore()
 {
-    m_state.didHideSelectionCursor = false;
+    m_state.setSelectionCursorHidden(false);
 }
 
 void SelectionSession::restoreSelectionCursorIfNeeded()
@@ -201,9 +199,9 @@ void SelectionSession::restoreSelectionCursorIfNeeded()
         if (entry.view)
             entry.view->restoreCursorIfNeeded();
     }
-    if (m_state.didHideSelectionCursor) {
+    if (m_state.didHideSelectionCursor()) {
         m_services.cursor.unhide();
-        m_state.didHideSelectionCursor = false;
+        m_state.setSelectionCursorHidden(false);
     }
 }
 

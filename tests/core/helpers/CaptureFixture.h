@@ -19,7 +19,8 @@
 #include "FakeWindowList.h"
 #include "FakeWorkspace.h"
 
-#include "capture/ScreenshotManager.h"
+#include "capture/CaptureParts.h"
+#include "capture/CaptureServices.h"
 #include "capture/SelectionView.h"
 #include "settings/AppSettings.h"
 
@@ -27,7 +28,7 @@
 
 #include <cmath>
 
-// A capture controller on fakes, with the helpers most capture tests need. Captures are saved into a
+// The capture flow's parts on fakes, with the helpers most capture tests need. Captures are saved into a
 // temporary folder; the PNG writer only records.
 struct CaptureFixture
 {
@@ -52,14 +53,19 @@ struct CaptureFixture
     FakeLoginItemService loginItem;
     AppSettings settings{store, loginItem, systemLog};
     QTemporaryDir saveFolder;
-    ScreenshotManager manager{CaptureServices{settings, diagnostics, systemLog, scheduler, clock, displays, capturer,
-                                              permission, windowList, pasteboard, sounds, workspace, cursor,
-                                              keyMonitor, windowFactory, pngWriter}};
+    CaptureServices services{settings, diagnostics, systemLog, scheduler, clock, displays, capturer, permission,
+                             windowList, pasteboard, sounds, workspace, cursor, keyMonitor, windowFactory,
+                             pngWriter};
+    CaptureParts parts{services};
+    CaptureState &state = parts.state;
+    SelectionSession &session = parts.session;
+    CaptureExecution &execution = parts.execution;
+    CaptureSaver &saver = parts.saver;
 
     CaptureFixture()
     {
         settings.setSaveFolderPath(saveFolder.path());
-        manager.setEditorHandOff(&editor);
+        saver.setEditorHandOff(&editor);
     }
 
     // The displays, and the same displays as the capture service lists them, at their pixel size.
@@ -78,7 +84,7 @@ struct CaptureFixture
     // Starts a selection and runs it until the overlay is up (permission already granted).
     void showOverlay()
     {
-        manager.startSelection();
+        session.startSelection();
         scheduler.runUntilIdle();
     }
 
