@@ -1,12 +1,18 @@
 #include "platform/QtScheduler.h"
 
-#include <QThreadPool>
+#include <QCoreApplication>
 #include <QTimer>
 
 #include <algorithm>
 #include <cmath>
 
-QtScheduler::QtScheduler() = default;
+QtScheduler::QtScheduler()
+{
+    if (QCoreApplication *application = QCoreApplication::instance())
+        QObject::connect(application, &QCoreApplication::aboutToQuit, &m_mainThreadContext,
+                         [this] { waitForBackgroundTasks(); });
+}
+
 QtScheduler::~QtScheduler() = default;
 
 void QtScheduler::postToMain(Task task)
@@ -29,5 +35,10 @@ void QtScheduler::postToMainAfter(double seconds, Task task)
 
 void QtScheduler::runInBackground(Task task)
 {
-    QThreadPool::globalInstance()->start(std::move(task));
+    m_workers.start(std::move(task));
+}
+
+void QtScheduler::waitForBackgroundTasks()
+{
+    m_workers.waitForDone();
 }
