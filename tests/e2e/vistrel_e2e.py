@@ -181,6 +181,16 @@ def differs(expected, actual):
     return f"pixels differ in {box}" if box else None
 
 
+def shows_desktop(path, crop, label):
+    """Checks that a capture was saved at `path` (or is the open file `path`) and equals the desktop's `crop`
+    (x1, y1, x2, y2) pixel for pixel; false when nothing was saved."""
+    if not check(path, f"{label}: nothing saved"):
+        return False
+    problem = differs(background().crop(crop), Image.open(path))
+    check(problem is None, f"{label}: the capture differs from the desktop: {problem}")
+    return True
+
+
 def clipboard_png():
     path = os.path.join(SESSION, "clipboard.png")
     with open(path, "wb") as out:
