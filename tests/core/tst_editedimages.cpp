@@ -1,6 +1,8 @@
 #include "helpers/EditorManagerFixture.h"
 #include "helpers/SaveTrouble.h"
 
+#include "editor/EditedImageSaver.h"
+
 #include "FastPngWriter.h"
 
 #include <QBuffer>
@@ -45,9 +47,8 @@ class EditedImagesTest : public QObject
 private slots:
     void editedNames_data();
     void editedNames();
-    void clipboardStyleNames_data();
-    void clipboardStyleNames();
     void savingBesideTheSourceOverwritesAndCopies();
+    void savingWithoutSourceCreatesTheCaptureFolder_data();
     void savingWithoutSourceCreatesTheCaptureFolder();
     void saveFailures_data();
     void saveFailures();
@@ -77,28 +78,7 @@ void EditedImagesTest::editedNames()
 {
     QFETCH(QString, source);
     QFETCH(QString, expected);
-    QCOMPARE(ImageEditorManager::makeEditedURL(QUrl::fromLocalFile(source)), QUrl::fromLocalFile(expected));
-}
-
-void EditedImagesTest::clipboardStyleNames_data()
-{
-    QTest::addColumn<QString>("prefix");
-    QTest::addColumn<bool>("includeDate");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("default") << u"Vistrel"_s << true << u"Vistrel_2024-05-01_13-07-42_edited.png"_s;
-    QTest::newRow("blank prefix without date") << u"  "_s << false << u"Vistrel_edited.png"_s;
-    QTest::newRow("prefix trimmed of line breaks") << u"\nShot "_s << true << u"Shot_2024-05-01_13-07-42_edited.png"_s;
-}
-
-void EditedImagesTest::clipboardStyleNames()
-{
-    QFETCH(QString, prefix);
-    QFETCH(bool, includeDate);
-    QFETCH(QString, expected);
-    EditorManagerFixture f;
-    f.settings.setFilenamePrefix(prefix);
-    f.settings.setIncludeDate(includeDate);
-    QCOMPARE(f.manager.makeClipboardCaptureStyleFileName(f.settings), expected);
+    QCOMPARE(EditedImageSaver::makeEditedURL(QUrl::fromLocalFile(source)), QUrl::fromLocalFile(expected));
 }
 
 void EditedImagesTest::savingBesideTheSourceOverwritesAndCopies()
@@ -113,11 +93,11 @@ void EditedImagesTest::savingBesideTheSourceOverwritesAndCopies()
     source.fill(QColor(200, 10, 90));
     source.setPixelColor(20, 5, QColor(0, 0, 255, 0));
     source.setPixelColor(21, 5, QColor(0, 200, 0, 128));
-    auto model = std::make_shared<ImageEditorModel>(source, f.store);
-    model->appendOverlay(Overlay(EditorTool::Rectangle, QPointF(-12, 4), QPointF(10, 15), Qt::blue, {}, {}));
-    const QImage edited = model->renderEditedImage();
-    f.manager.openDetachedEditorWindow(model, QUrl::fromLocalFile(folder.filePath(u"a.b.png"_s)));
-    f.lastWindow()->contentAs<ImageEditorView>()->save();
+    const auto view = f.openDetached(source, QUrl::fromLocalFile(folder.filePath(u"a.b.png"_s)))
+                          ->contentAs<ImageEditorView>();
+    view->model().appendOverlay(Overlay(EditorTool::Rectangle, QPointF(-12, 4), QPointF(10, 15), Qt::blue, {}, {}));
+    const QImage edited = view->model().renderEditedImage();
+    view->save();
 
     // The file keeps the canvas's alpha channel and every pixel of it, the margin included.
     const QImage written(folder.filePath(u"a.b_edited.png"_s));
@@ -132,15 +112,32 @@ void EditedImagesTest::savingBesideTheSourceOverwritesAndCopies()
     QVERIFY(f.systemLog.messages().isEmpty());
 }
 
+void EditedImagesTest::savingWithoutSourceCreatesTheCaptureFolder_data()
+{
+    QTest::addColumn<QString>("prefix");
+    QTest::addColumn<bool>("includeDate");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("default") << u"Vistrel"_s << true << u"Vistrel_2024-05-01_13-07-42_edited.png"_s;
+    QTest::newRow("blank prefix without date") << u"  "_s << false << u"Vistrel_edited.png"_s;
+    QTest::newRow("prefix trimmed of line breaks") << u"\nShot "_s << true << u"Shot_2024-05-01_13-07-42_edited.png"_s;
+}
+
+// A pasted picture has no file of its own: it goes to the capture folder under a capture-style name.
 void EditedImagesTest::savingWithoutSourceCreatesTheCaptureFolder()
 {
+    QFETCH(QString, prefix);
+    QFETCH(bool, includeDate);
+    QFETCH(QString, expected);
     EditorManagerFixture f;
     const QString folder = f.captureFolder.filePath(u"new/deeper"_s);
     f.settings.setSaveFolderPath(folder);
-    f.settings.setIncludeDate(false);
-    QVERIFY(f.manager.saveEditedImage(EditorManagerFixture::picture(), std::nullopt));
-    QCOMPARE(f.fakeWriter.paths, QStringList{folder + u"/Vistrel_edited.png"_s});
+    f.settings.setFilenamePrefix(prefix);
+    f.settings.setIncludeDate(includeDate);
+    FakeEditorWindow *window = f.openPasted(EditorManagerFixture::picture());
+    window->contentAs<ImageEditorView>()->save();
+    QCOMPARE(f.fakeWriter.paths, QStringList{folder + u'/' + expected});
     QVERIFY(QFileInfo(folder).isDir());
+    QCOMPARE(window->closeCount, 1);
 }
 
 void EditedImagesTest::saveFailures_data()
@@ -183,18 +180,15 @@ void EditedImagesTest::saveFailures()
         source.isEmpty() ? std::nullopt : std::optional(QUrl::fromLocalFile(base.filePath(source)));
 
     // Through the editor's own save action, so that the window is seen to stay open.
-    f.manager.openDetachedEditorWindow(std::make_shared<ImageEditorModel>(QImage(), f.store), sourceURL);
-    FakeEditorWindow *window = f.lastWindow();
-    if (nullImage) {
+    const QImage picture = EditorManagerFixture::picture();
+    FakeEditorWindow *window = sourceURL ? f.openDetached(picture, *sourceURL) : f.openPasted(picture);
+    if (nullImage)
         window->contentAs<ImageEditorView>()->onSave(QImage());
-    } else {
-        window->contentAs<ImageEditorView>()->model().setImage(EditorManagerFixture::picture());
+    else
         window->contentAs<ImageEditorView>()->save();
-    }
 
     QCOMPARE(f.systemLog.messages(), QStringList{message.replace(u"%1"_s, f.captureFolder.path())});
     QCOMPARE(window->closeCount, 0);
-    QCOMPARE(f.manager.detachedEditorWindows().size(), 1);
     QVERIFY(f.pasteboard.contents.isEmpty());
 }
 
@@ -226,8 +220,7 @@ void EditedImagesTest::troubleWhileSavingLeavesNothingAndPasses()
     f.settings.setSaveFolderPath(cause.folder);
     f.settings.setIncludeDate(false);
     const QImage picture = SaveTrouble::incompressible();
-    f.manager.openDetachedEditorWindow(std::make_shared<ImageEditorModel>(picture, f.store), std::nullopt);
-    FakeEditorWindow *window = f.lastWindow();
+    FakeEditorWindow *window = f.openPasted(picture);
     const auto view = window->contentAs<ImageEditorView>();
 
     view->save();
@@ -265,10 +258,10 @@ void EditedImagesTest::detachedSaveUsesItsOwnSource()
     EditorManagerFixture f;
     const QDir shots(f.captureFolder.path());
     const QUrl source = QUrl::fromLocalFile(shots.filePath(u"B.png"_s));
-    f.manager.openDetachedEditorWindow(std::make_shared<ImageEditorModel>(EditorManagerFixture::picture(), f.store),
-                                       source);
-    FakeEditorWindow *window = f.lastWindow();
-    f.manager.prepareEditor(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"C.png"_s)));
+    FakeEditorWindow *window = f.openDetached(EditorManagerFixture::picture(), source);
+    // The next capture waits for a click on its notification, its document prepared.
+    f.settings.setOpenEditorViaNotification(true);
+    f.handOff(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"C.png"_s)));
 
     window->contentAs<ImageEditorView>()->save();
     QCOMPARE(f.fakeWriter.paths, QStringList{shots.filePath(u"B_edited.png"_s)});
@@ -324,16 +317,13 @@ void EditedImagesTest::pastingFromTheClipboard()
         f.pasteboard.image = EditorManagerFixture::picture(8, 8, Qt::green);
     for (qsizetype i = 0; i < types.size(); ++i)
         f.pasteboard.data.append({types.at(i), data.at(i)});
-    f.manager.prepareEditor(EditorManagerFixture::picture(), QUrl::fromLocalFile(u"/shots/A.png"_s));
-
-    f.manager.openImageFromClipboard();
+    f.openLauncher()->trigger(EditorDropTargetView::ButtonRole::PasteImage);
     if (!expected.isValid()) {
         QCOMPARE(f.alerts.alerts, QList{emptyClipboardAlert});
-        QVERIFY(f.windows.windows.isEmpty());
+        QVERIFY(f.primary()->contentAs<EditorDropTargetView>());
         return;
     }
     QVERIFY(f.alerts.alerts.isEmpty());
-    QVERIFY(!f.manager.sourceFileURL());
     const QImage shown = f.primary()->contentAs<ImageEditorView>()->model().image();
     QCOMPARE(shown.pixelColor(3, 3), expected);
 }
@@ -341,7 +331,8 @@ void EditedImagesTest::pastingFromTheClipboard()
 void EditedImagesTest::openPanelOpensTheChosenImage()
 {
     EditorManagerFixture f;
-    f.manager.openImagePanel();
+    const std::shared_ptr<EditorDropTargetView> launcher = f.openLauncher();
+    launcher->trigger(EditorDropTargetView::ButtonRole::PickFile);
     QCOMPARE(f.openPanel.requests.size(), 1);
     const OpenPanel::Request request = f.openPanel.requests.first();
     QCOMPARE(request.prompt, u"開く"_s);
@@ -350,12 +341,12 @@ void EditedImagesTest::openPanelOpensTheChosenImage()
     QVERIFY(request.canChooseFiles);
     QVERIFY(request.allowedContentTypes.contains(u"image/png"_s));
     QVERIFY(request.allowedContentTypes.contains(u"image/jpeg"_s));
-    QVERIFY(f.windows.windows.isEmpty()); // cancelled
+    QVERIFY(f.primary()->contentAs<EditorDropTargetView>()); // cancelled
 
     const QString path = f.captureFolder.filePath(u"chosen.png"_s);
     writeFile(path, encoded(EditorManagerFixture::picture(12, 34), "PNG"));
     f.openPanel.chosen = QUrl::fromLocalFile(path);
-    f.manager.openImagePanel();
+    launcher->trigger(EditorDropTargetView::ButtonRole::PickFile);
     QCOMPARE(f.manager.sourceFileURL(), f.openPanel.chosen);
     QCOMPARE(f.primary()->contentAs<ImageEditorView>()->model().image().size(), QSize(12, 34));
 }

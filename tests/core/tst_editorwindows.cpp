@@ -184,9 +184,11 @@ void EditorWindowsTest::contentSize()
         screen.visibleFrame = Rect(0, 0, visibleSize->width(), visibleSize->height());
         f.displays.main = screen;
     }
-    QCOMPARE(f.manager.editorContentSize(imageSize), expected);
-    if (!imageSize)
+    if (!imageSize) {
+        f.manager.openEditorLauncher();
+        QCOMPARE(f.primary()->contentSize, expected);
         return;
+    }
     // The windows opened for such a capture, primary and extra.
     QImage capture = EditorManagerFixture::picture(int(imageSize->width() * ratio), int(imageSize->height() * ratio));
     capture.setDevicePixelRatio(ratio);
@@ -215,7 +217,7 @@ void EditorWindowsTest::detachedWindowsAreForgottenWhenTheyClose()
     f.scheduler.runUntilIdle();
     QVERIFY(!f.windows.isAlive(first));
 
-    f.manager.closeDetachedEditorWindow(second);
+    second->contentAs<ImageEditorView>()->cancel();
     QCOMPARE(second->closeCount, 1);
     QVERIFY(f.manager.detachedEditorWindows().isEmpty());
     f.scheduler.runUntilIdle();
@@ -257,14 +259,14 @@ void EditorWindowsTest::withoutWindowsTheEditorSaysWhatItCannotShow()
                                                    f.displays, f.application, f.notifier, f.pasteboard, f.pngWriter,
                                                    windows, alerts, openPanel});
     manager.openEditorLauncher();
-    manager.openImagePanel();
-    manager.openImageFromClipboard();
+    QVERIFY(!openPanel.runModal({}));
+    alerts.runModalAlert(u"クリップボードに画像がありません"_s, u"画像をコピーしてから、もう一度貼り付けてください。"_s);
     QCOMPARE(f.diagnostics.lines(),
              (QStringList{u"editor window not shown: this platform set has no editor windows (size {1000, 1000})"_s,
                           u"open panel not shown: this platform set has no file-open panel"_s}));
     QCOMPARE(f.systemLog.messages(),
              QStringList{u"Vistrel: クリップボードに画像がありません 画像をコピーしてから、もう一度貼り付けてください。"_s});
-    manager.closePrimaryEditor();
+    manager.editorWindow()->onQuitShortcut();
     QVERIFY(!manager.editorWindow());
 }
 

@@ -59,8 +59,7 @@ void QtEditorWindowTest::launcherShowsTheDropTargetInAnEditorWindow()
     QVERIFY(QTest::qWaitForWindowExposed(window->widget()));
 
     // The same window takes the editor.
-    f.manager.prepareEditor(EditorWindowsFixture::picture(), std::nullopt);
-    f.manager.showEditorWindow(false);
+    f.openCapture(EditorWindowsFixture::picture());
     f.settle();
     QCOMPARE(f.primary(), window);
     QVERIFY(qobject_cast<ImageEditorWidget *>(window->contentWidget()));
@@ -87,11 +86,9 @@ void QtEditorWindowTest::controlQClosesOnlyThatWindow()
     QFETCH(bool, closes);
     EditorWindowsFixture f;
     QSignalSpy quitting(qApp, &QCoreApplication::aboutToQuit);
-    f.manager.prepareEditor(EditorWindowsFixture::picture(), std::nullopt);
-    f.manager.showEditorWindow(false);
+    f.openCapture(EditorWindowsFixture::picture());
     QtEditorWindow *primary = f.primary();
-    f.manager.prepareEditor(EditorWindowsFixture::picture(), std::nullopt);
-    f.manager.showEditorWindow(true);
+    f.openCapture(EditorWindowsFixture::picture(), true);
     QCOMPARE(f.manager.detachedEditorWindows().size(), 1);
     auto *detached = static_cast<QtEditorWindow *>(f.manager.detachedEditorWindows().first());
     QWidget *primaryWidget = primary->widget();
@@ -145,8 +142,8 @@ void QtEditorWindowTest::saveWritesBesideTheSourceAndCloses()
 void QtEditorWindowTest::closingADetachedWindowForgetsIt()
 {
     EditorWindowsFixture f;
-    f.manager.openDetachedEditorWindow(std::make_shared<ImageEditorModel>(EditorWindowsFixture::picture(), f.store),
-                                       std::nullopt);
+    f.openCapture(EditorWindowsFixture::picture());
+    f.openCapture(EditorWindowsFixture::picture(), true);
     QCOMPARE(f.manager.detachedEditorWindows().size(), 1);
     auto *window = static_cast<QtEditorWindow *>(f.manager.detachedEditorWindows().first());
     QVERIFY(window->widget()->close());

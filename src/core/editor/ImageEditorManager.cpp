@@ -70,11 +70,6 @@ void ImageEditorManager::scheduleEditNotification(const QImage &image, const QUr
     });
 }
 
-void ImageEditorManager::openEditor(bool openInNewWindow)
-{
-    showEditorWindow(openInNewWindow);
-}
-
 void ImageEditorManager::openEditorLauncher()
 {
     m_model.reset();
@@ -121,7 +116,7 @@ void ImageEditorManager::openDetachedEditorWindow(const std::shared_ptr<ImageEdi
 
     std::shared_ptr<ImageEditorView> view = makeEditorView(model);
     view->onSave = [this, sourceURL, close](const QImage &image) {
-        if (saveEditedImage(image, sourceURL))
+        if (m_saver.saveEditedImage(image, sourceURL))
             close();
     };
     view->onCancel = close;
@@ -176,7 +171,7 @@ EditorRootView ImageEditorManager::makePrimaryEditorRootView()
     view->onSave = [this](const QImage &image) {
         // The source as it is now: a later capture opened in an extra window has cleared it, and the
         // picture then goes to the capture folder under a capture-style name.
-        if (saveEditedImage(image, m_sourceFileURL))
+        if (m_saver.saveEditedImage(image, m_sourceFileURL))
             closePrimaryEditor();
     };
     view->onCancel = [this] { closePrimaryEditor(); };
@@ -191,26 +186,6 @@ QSizeF ImageEditorManager::editorContentSize(std::optional<QSizeF> imageSize) co
         return {std::min(1000.0, visible.width()), std::min(1000.0, visible.height())};
     return {std::min(std::max(1000.0, imageSize->width() + 500), visible.width()),
             std::min(std::max(1000.0, imageSize->height() + 680), visible.height())};
-}
-
-bool ImageEditorManager::saveEditedImage(const QImage &image, const std::optional<QUrl> &sourceURL) const
-{
-    return m_saver.saveEditedImage(image, sourceURL);
-}
-
-std::optional<QUrl> ImageEditorManager::makeSaveDestinationURL(const std::optional<QUrl> &source) const
-{
-    return m_saver.makeSaveDestinationURL(source);
-}
-
-std::optional<QUrl> ImageEditorManager::makeClipboardCaptureStyleURL() const
-{
-    return m_saver.makeClipboardCaptureStyleURL();
-}
-
-QString ImageEditorManager::makeClipboardCaptureStyleFileName(const AppSettings &settings) const
-{
-    return m_saver.makeClipboardCaptureStyleFileName(settings);
 }
 
 void ImageEditorManager::openImagePanel()

@@ -16,7 +16,6 @@
 #include <memory>
 #include <optional>
 
-class AppSettings;
 class ImageEditorModel;
 
 // The one owner of the editor windows. It takes a picture (a fresh capture, a chosen file, the
@@ -38,17 +37,21 @@ public:
     ImageEditorManager(const ImageEditorManager &) = delete;
     ImageEditorManager &operator=(const ImageEditorManager &) = delete;
 
+    // The windows open now, and the document prepared for the next showing.
     EditorWindow *editorWindow() const { return m_editorWindow.get(); }
+    QList<EditorWindow *> detachedEditorWindows() const;
     const std::shared_ptr<ImageEditorModel> &model() const { return m_model; }
     const std::optional<QUrl> &sourceFileURL() const { return m_sourceFileURL; }
-    QList<EditorWindow *> detachedEditorWindows() const;
 
+    void scheduleEditNotification(const QImage &image, const QUrl &sourceURL) override;
+    void openEditor(bool openInNewWindow) override { showEditorWindow(openInNewWindow); }
+    void openEditorLauncher() override;
+    // Shows the picture of the file in the primary window; an alert when it cannot be read.
+    void openImageFile(const QUrl &url);
+
+private:
     // A new document for the next showing; shows nothing.
     void prepareEditor(const QImage &image, const std::optional<QUrl> &sourceURL);
-    void scheduleEditNotification(const QImage &image, const QUrl &sourceURL) override;
-    void openEditor(bool openInNewWindow) override;
-    void openEditorLauncher() override;
-
     void showEditorWindow(bool openInNewWindow);
     void openDetachedEditorWindow(const std::shared_ptr<ImageEditorModel> &model,
                                   const std::optional<QUrl> &sourceURL);
@@ -57,18 +60,9 @@ public:
     EditorRootView makePrimaryEditorRootView();
     // Room for the picture, the canvas margin and the tool bars, never beyond the visible screen.
     QSizeF editorContentSize(std::optional<QSizeF> imageSize) const;
-
-    bool saveEditedImage(const QImage &image, const std::optional<QUrl> &sourceURL) const;
-    std::optional<QUrl> makeSaveDestinationURL(const std::optional<QUrl> &source) const;
-    static QUrl makeEditedURL(const QUrl &source) { return EditedImageSaver::makeEditedURL(source); }
-    std::optional<QUrl> makeClipboardCaptureStyleURL() const;
-    QString makeClipboardCaptureStyleFileName(const AppSettings &settings) const;
-
     void openImagePanel();
-    void openImageFile(const QUrl &url);
     void openImageFromClipboard();
 
-private:
     std::shared_ptr<EditorWindow> makeWindow(QSizeF contentSize);
     std::shared_ptr<ImageEditorView> makeEditorView(const std::shared_ptr<ImageEditorModel> &model);
     // After the current event: the window may be what is calling us.

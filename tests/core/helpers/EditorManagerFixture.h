@@ -79,4 +79,38 @@ struct EditorManagerFixture
         manager.scheduleEditNotification(image, source);
         scheduler.runUntilIdle();
     }
+
+    // A capture handed over and opened by a click on its notification.
+    void openCapture(const QImage &image, bool inNewWindow = false)
+    {
+        settings.setOpenEditorViaNotification(true);
+        const QUrl source = QUrl::fromLocalFile(captureFolder.filePath(QStringLiteral("capture.png")));
+        manager.scheduleEditNotification(image, source);
+        manager.openEditor(inNewWindow);
+    }
+
+    // The drop target the launcher shows in the primary window.
+    std::shared_ptr<EditorDropTargetView> openLauncher()
+    {
+        manager.openEditorLauncher();
+        return primary()->contentAs<EditorDropTargetView>();
+    }
+
+    // A picture without a source file, pasted into the launcher; the primary window shows it.
+    FakeEditorWindow *openPasted(const QImage &image)
+    {
+        pasteboard.image = image;
+        openLauncher()->trigger(EditorDropTargetView::ButtonRole::PasteImage);
+        return primary();
+    }
+
+    // A picture from `source` in an extra window beside the primary one.
+    FakeEditorWindow *openDetached(const QImage &image, const QUrl &source)
+    {
+        openWithoutNotification(true);
+        if (!primary())
+            handOff(picture(), source);
+        handOff(image, source);
+        return lastWindow();
+    }
 };
