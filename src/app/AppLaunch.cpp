@@ -18,7 +18,6 @@ std::unique_ptr<AppDelegate> makeDelegate(QCoreApplication &application, Setting
     const PlatformServices &services = PlatformServices::shared();
     ScreenshotManager &capture = ScreenshotManager::shared();
     ImageEditorManager &editor = ImageEditorManager::shared();
-    capture.setEditorHandOff(&editor);
     auto delegate = std::make_unique<AppDelegate>(AppDelegate::Dependencies{
         CrashDiagnostics::shared(), *services.application, *services.statusItem, *services.hotKeys,
         *services.notifier, *services.systemLog, *services.scheduler, *services.displays, AppSettings::shared(),

@@ -7,8 +7,8 @@ class AppDelegate;
 class QCoreApplication;
 class SettingsWindow;
 
-// The start of the application on every system, once main() installed its platform set: the
-// process-wide instances wired together, and the controller over them. The controller's termination
+// The start of the application on every system, once main() installed its platform set: the controller
+// over the process-wide instances (wired in core/app/SharedInstances.cpp). The controller's termination
 // runs when the application is about to quit. Main thread.
 namespace applaunch {
 

@@ -172,6 +172,17 @@ void AppDelegateTest::settingsChangeReRegistersAndSyncsTheToggle()
     QCOMPARE(f.hotKeys.registrationsFor(2).first().keyCode, quint32(17));
     f.settings.setOpenEditorViaNotification(false);
     QVERIFY(!f.statusItem.toggleChecked);
+    // A new capture shortcut is saved, and so registered, only with the save after it.
+    f.settings.setHotKeyCombo({u"A"_s, ShortcutKeyCombo::Command});
+    QCOMPARE(f.hotKeys.registrationsFor(1).first().keyCode, quint32(1));
+    f.settings.setIncludeDate(false);
+    QCOMPARE(f.hotKeys.registrationsFor(1).first().keyCode, quint32(0));
+    // Each save replaced the shortcuts: one handler and one of each remain, and a press acts once.
+    QCOMPARE(f.hotKeys.handlers.size(), 1);
+    QCOMPARE(f.hotKeys.registrationsFor(1).size(), 1);
+    QCOMPARE(f.hotKeys.registrationsFor(2).size(), 1);
+    f.hotKeys.press(HotKeyRegistrar::Identifier{CaptureHotKeys::signature, CaptureHotKeys::captureHotKeyID});
+    QCOMPARE(f.commands.calls, QStringList{u"startSelection"_s});
 }
 
 void AppDelegateTest::authorizationResultsAreLogged_data()

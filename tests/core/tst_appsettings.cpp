@@ -57,7 +57,6 @@ private slots:
     void systemLoginStatusWinsAtStart();
     void saveTimingPerProperty_data();
     void saveTimingPerProperty();
-    void captureShortcutReachesObserversOneSaveLate();
     void loginItemRegistration_data();
     void loginItemRegistration();
     void legacyMigration();
@@ -219,17 +218,6 @@ void AppSettingsTest::saveTimingPerProperty()
     // Whatever the timing, the property itself holds the new value, and the next save writes it.
     s->setRepeatHotKeyCombo(s->repeatHotKeyCombo());
     QCOMPARE(f.store.synced.value(key), newValue);
-}
-
-void AppSettingsTest::captureShortcutReachesObserversOneSaveLate()
-{
-    Fixture f;
-    auto s = f.make();
-    QList<std::optional<quint32>> seenCodes;
-    connect(s.get(), &AppSettings::settingsDidChange, this, [&] { seenCodes.append(s->hotKeyCode()); });
-    s->setHotKeyCombo({u"A"_s, ShortcutKeyCombo::Command});
-    s->setIncludeDate(false);
-    QCOMPARE(seenCodes, (QList<std::optional<quint32>>{1u, 0u}));
 }
 
 void AppSettingsTest::loginItemRegistration_data()

@@ -51,7 +51,6 @@ private slots:
     void registersBothFromSettings();
     void registrationOutcomes_data();
     void registrationOutcomes();
-    void reRegisteringLeavesOneOfEachAndUnregisterRemovesAll();
     void pressesAreDispatchedById_data();
     void pressesAreDispatchedById();
 };
@@ -128,29 +127,6 @@ void CaptureHotKeysTest::registrationOutcomes()
     QCOMPARE(f.registrar.registrationsFor(1).size(), hasCapture ? 1 : 0);
     QCOMPARE(f.registrar.registrationsFor(2).size(), hasRepeat ? 1 : 0);
     QCOMPARE(f.systemLog.messages(), messages);
-}
-
-void CaptureHotKeysTest::reRegisteringLeavesOneOfEachAndUnregisterRemovesAll()
-{
-    Fixture f;
-    f.hotKeys.registerHotKey();
-    // Two saves in a row, each re-registering.
-    f.settings.setSaveFolderPath(u"/a"_s);
-    f.hotKeys.registerHotKey();
-    f.settings.setSaveFolderPath(u"/b"_s);
-    f.hotKeys.registerHotKey();
-    QCOMPARE(f.registrar.handlers.size(), 1);
-    QCOMPARE(f.registrar.registrationsFor(1).size(), 1);
-    QCOMPARE(f.registrar.registrationsFor(2).size(), 1);
-    // A press reaches the application once, not once per registration round.
-    f.registrar.press(HotKeyRegistrar::Identifier{vstl, 1});
-    QCOMPARE(f.commands.calls, QStringList{u"startSelection"_s});
-
-    f.hotKeys.unregisterHotKey();
-    QVERIFY(f.registrar.handlers.isEmpty());
-    QVERIFY(f.registrar.registrations.isEmpty());
-    f.hotKeys.unregisterHotKey(); // nothing left to remove; harmless
-    QVERIFY(f.registrar.registrations.isEmpty());
 }
 
 void CaptureHotKeysTest::pressesAreDispatchedById_data()

@@ -1,10 +1,9 @@
 // The process-wide instances, wired in one place. Each shared() builds its object on first use from the
 // platform set main() installed and from the instances it depends on, so they come up in this order:
-//   CrashDiagnostics      (the diagnostics log every other part writes to)
-//   AppSettings           (the preferences the capture and the editor read)
-//   ImageEditorManager    (diagnostics, settings)
-//   ScreenshotManager     (diagnostics, settings; main hands it the editor afterwards)
-//   SoftwareUpdaterModel  (made when launch asks for the updater)
+//   AppSettings, CrashDiagnostics  the preferences and the diagnostics log both managers use
+//   ScreenshotManager              then handed the editor as the taker of its captures
+//   ImageEditorManager
+//   SoftwareUpdaterModel           made when launch first asks for the updater
 // Only the app layer names these instances; the folders below it are handed what they use. Main thread.
 #include "app/CrashDiagnostics.h"
 #include "capture/ScreenshotManager.h"
@@ -30,6 +29,18 @@ AppSettings &AppSettings::shared()
     return instance;
 }
 
+ScreenshotManager &ScreenshotManager::shared()
+{
+    const PlatformServices &p = PlatformServices::shared();
+    static ScreenshotManager instance(CaptureServices{
+        AppSettings::shared(), CrashDiagnostics::shared(), *p.systemLog, *p.scheduler, *p.clock, *p.displays,
+        *p.screenCapturer, *p.screenCapturePermission, *p.windowList, *p.pasteboard, *p.sounds, *p.workspace,
+        *p.cursor, *p.keyMonitor, *p.selectionWindows, *p.pngWriter});
+    [[maybe_unused]] static const bool isHandingOffToEditor =
+        (instance.setEditorHandOff(&ImageEditorManager::shared()), true);
+    return instance;
+}
+
 ImageEditorManager &ImageEditorManager::shared()
 {
     const PlatformServices &p = PlatformServices::shared();
@@ -43,16 +54,6 @@ ImageEditorManager &ImageEditorManager::shared()
         *p.displays, *p.application, *p.notifier, *p.pasteboard, *p.pngWriter,
         p.editorWindows ? *p.editorWindows : nullWindows, p.alerts ? *p.alerts : nullAlerts,
         p.openPanel ? *p.openPanel : nullOpenPanel});
-    return instance;
-}
-
-ScreenshotManager &ScreenshotManager::shared()
-{
-    const PlatformServices &p = PlatformServices::shared();
-    static ScreenshotManager instance(CaptureServices{
-        AppSettings::shared(), CrashDiagnostics::shared(), *p.systemLog, *p.scheduler, *p.clock, *p.displays,
-        *p.screenCapturer, *p.screenCapturePermission, *p.windowList, *p.pasteboard, *p.sounds, *p.workspace,
-        *p.cursor, *p.keyMonitor, *p.selectionWindows, *p.pngWriter});
     return instance;
 }
 
