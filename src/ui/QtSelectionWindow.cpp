@@ -79,6 +79,12 @@ void QtSelectionWindow::setContentView(SelectionView *view)
         m_widget->setView(view);
 }
 
+void QtSelectionWindow::setPointerRouter(SelectionPointerRouter *router)
+{
+    if (m_widget)
+        m_widget->setPointerRouter(router);
+}
+
 void QtSelectionWindow::setNeedsDisplay()
 {
     if (m_widget)

@@ -24,6 +24,7 @@ public:
     QPointF convertPointFromScreen(QPointF point) const override;
 
     void setContentView(SelectionView *view) override;
+    void setPointerRouter(SelectionPointerRouter *router) override;
     void setNeedsDisplay() override;
     void setNeedsDisplayInRect(const Rect &rect) override;
     void displayIfNeeded() override;

@@ -16,7 +16,7 @@ QtSelectionWindowFactory::~QtSelectionWindowFactory()
 
 std::unique_ptr<SelectionWindow> QtSelectionWindowFactory::makeSelectionWindow()
 {
-    m_widgets.push_back(std::make_unique<SelectionOverlayWidget>(m_router));
+    m_widgets.push_back(std::make_unique<SelectionOverlayWidget>());
     SelectionOverlayWidget *widget = m_widgets.back().get();
     widget->setWindowTitle(QStringLiteral("Vistrel"));
     return std::make_unique<QtSelectionWindow>(widget, m_displays, m_grab);

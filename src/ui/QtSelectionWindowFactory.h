@@ -1,7 +1,5 @@
 #pragma once
 
-#include "SelectionOverlayRouter.h"
-
 #include "platform/SelectionWindowFactory.h"
 
 #include <memory>
@@ -26,6 +24,5 @@ public:
 private:
     const DisplayProvider &m_displays;
     InputGrab &m_grab;
-    SelectionOverlayRouter m_router;
     std::vector<std::unique_ptr<SelectionOverlayWidget>> m_widgets;
 };

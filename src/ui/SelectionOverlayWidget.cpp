@@ -1,18 +1,17 @@
 #include "SelectionOverlayWidget.h"
 
 #include "MacKeyCodes.h"
-#include "SelectionOverlayRouter.h"
 
 #include "capture/SelectionView.h"
+#include "platform/SelectionWindow.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
-SelectionOverlayWidget::SelectionOverlayWidget(SelectionOverlayRouter &router)
+SelectionOverlayWidget::SelectionOverlayWidget()
     : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint
-                           | Qt::X11BypassWindowManagerHint | Qt::NoDropShadowWindowHint),
-      m_router(router)
+                           | Qt::X11BypassWindowManagerHint | Qt::NoDropShadowWindowHint)
 {
     // The view paints every pixel; Qt need not clear the window first.
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -20,12 +19,6 @@ SelectionOverlayWidget::SelectionOverlayWidget(SelectionOverlayRouter &router)
     setAttribute(Qt::WA_ShowWithoutActivating);
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
-    m_router.add(this);
-}
-
-SelectionOverlayWidget::~SelectionOverlayWidget()
-{
-    m_router.remove(this);
 }
 
 void SelectionOverlayWidget::setView(SelectionView *view)
@@ -54,12 +47,6 @@ void SelectionOverlayWidget::displayIfNeeded()
         repaint();
 }
 
-QPointF SelectionOverlayWidget::viewPointFromLogical(QPointF logical) const
-{
-    const QPointF local = logical - QPointF(geometry().topLeft());
-    return QPointF(local.x(), height() - local.y());
-}
-
 void SelectionOverlayWidget::paintEvent(QPaintEvent *)
 {
     m_needsDisplay = false;
@@ -78,22 +65,29 @@ void SelectionOverlayWidget::paintEvent(QPaintEvent *)
 
 void SelectionOverlayWidget::mousePressEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::LeftButton)
-        return;
-    m_router.route(*this, SelectionOverlayRouter::Kind::Press, geometry().topLeft() + event->position(), true);
+    if (event->button() == Qt::LeftButton)
+        route(SelectionPointerRouter::Kind::Press, event->position(), true);
 }
 
 void SelectionOverlayWidget::mouseMoveEvent(QMouseEvent *event)
 {
-    m_router.route(*this, SelectionOverlayRouter::Kind::Move, geometry().topLeft() + event->position(),
-                   event->buttons().testFlag(Qt::LeftButton));
+    route(SelectionPointerRouter::Kind::Move, event->position(), event->buttons().testFlag(Qt::LeftButton));
 }
 
 void SelectionOverlayWidget::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::LeftButton)
+    if (event->button() == Qt::LeftButton)
+        route(SelectionPointerRouter::Kind::Release, event->position(), false);
+}
+
+// The pointer's one conversion: from the widget (top-left origin, y down) to the global space, through
+// the frame of the window that shows the view, which covers exactly this widget.
+void SelectionOverlayWidget::route(SelectionPointerRouter::Kind kind, QPointF local, bool buttonHeld)
+{
+    if (!m_router || !m_view || !m_view->window())
         return;
-    m_router.route(*this, SelectionOverlayRouter::Kind::Release, geometry().topLeft() + event->position(), false);
+    const Rect frame = m_view->window()->frame();
+    m_router->route(*m_view, kind, QPointF(frame.minX() + local.x(), frame.maxY() - local.y()), buttonHeld);
 }
 
 void SelectionOverlayWidget::keyPressEvent(QKeyEvent *event)

@@ -1,31 +1,29 @@
 #pragma once
 
+#include "capture/SelectionPointerRouter.h"
+
 #include <QWidget>
 
-class SelectionOverlayRouter;
 class SelectionView;
 
 // The widget of one overlay window: frameless, above everything and outside the window manager's
 // reach, covering one display. It paints the core's selection view (which draws the frozen image, the
-// dimming, the selection and the crosshair in one pass) and hands pointer and key input to it through
-// the router, which keeps a drag with the view it started in. Pointer moves repaint only what the view
-// reports as changed. Main thread.
+// dimming, the selection and the crosshair in one pass), hands key input to it, and pointer input to
+// the core's router in the global space, which keeps a drag with the view it started in. Pointer moves
+// repaint only what the view reports as changed. Main thread.
 class SelectionOverlayWidget final : public QWidget
 {
 public:
-    explicit SelectionOverlayWidget(SelectionOverlayRouter &router);
-    ~SelectionOverlayWidget() override;
+    SelectionOverlayWidget();
 
     void setView(SelectionView *view);
     SelectionView *view() const { return m_view; }
+    void setPointerRouter(SelectionPointerRouter *router) { m_router = router; }
 
     void setNeedsDisplay();
     // A rectangle of the view (its coordinates: bottom-left origin, y upwards).
     void setNeedsDisplayInRect(const QRectF &viewRect);
     void displayIfNeeded();
-
-    // From Qt's logical space (y down) to the view's space (bottom-left origin, y up).
-    QPointF viewPointFromLogical(QPointF logical) const;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -35,7 +33,9 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    SelectionOverlayRouter &m_router;
+    void route(SelectionPointerRouter::Kind kind, QPointF local, bool buttonHeld);
+
+    SelectionPointerRouter *m_router = nullptr;
     SelectionView *m_view = nullptr;
     bool m_needsDisplay = true;
 };

@@ -50,6 +50,27 @@ const QColor selectionFill = QColor::fromRgbF(0, 122 / 255.0, 1, 0.25);
 const QColor labelFill = QColor::fromRgbF(0, 0, 0, 0.78);
 const QColor crosshair = QColor::fromRgbF(1, 1, 1, 0.85);
 
+// Displays as Qt lays them out, in the global space: each keeps its pixel position and divides only its
+// size by its scale, so displays of different scales leave gaps between them.
+QList<DisplayInfo> twoAt1x()
+{
+    return {FakeDisplayProvider::display(1, Rect(0, 0, 1920, 1080)),
+            FakeDisplayProvider::display(2, Rect(1920, 0, 1920, 1080))};
+}
+
+QList<DisplayInfo> at2xBeside1x()
+{
+    return {FakeDisplayProvider::display(1, Rect(0, 0, 960, 540), 2),
+            FakeDisplayProvider::display(2, Rect(1920, -540, 1920, 1080), 1)};
+}
+
+QList<DisplayInfo> at1x15x2x()
+{
+    return {FakeDisplayProvider::display(1, Rect(0, 0, 1920, 1080), 1),
+            FakeDisplayProvider::display(2, Rect(1920, 360, 1280, 720), 1.5),
+            FakeDisplayProvider::display(3, Rect(3840, 540, 960, 540), 2)};
+}
+
 } // namespace
 
 class SelectionViewTest : public QObject
@@ -57,8 +78,8 @@ class SelectionViewTest : public QObject
     Q_OBJECT
 
 private slots:
-    void mouse_data();
-    void mouse();
+    void pointerRouting_data();
+    void pointerRouting();
     void keys_data();
     void keys();
     void cursorIsHiddenOncePerViewAndPresentationStartsClean();
@@ -68,53 +89,98 @@ private slots:
     void crosshairIsDashed();
 };
 
-void SelectionViewTest::mouse_data()
+void SelectionViewTest::pointerRouting_data()
 {
+    // Events at global points; what the views report, then where each view shows the crosshair.
+    QTest::addColumn<QList<DisplayInfo>>("screens");
     QTest::addColumn<QStringList>("events");
     QTest::addColumn<QStringList>("expected");
-    const QStringList pressAndRelease{u"cursorDidHide"_s, u"cursorDidRestore"_s};
     QTest::newRow("a drag captures its rectangle")
-        << QStringList{u"down 100 100"_s, u"drag 300 250"_s, u"up 300 250"_s}
-        << pressAndRelease + QStringList{u"capture {{100, 100}, {200, 150}}"_s};
+        << twoAt1x() << QStringList{u"press 100 100"_s, u"drag 300 250"_s, u"release 300 250"_s}
+        << QStringList{u"capture {{100, 100}, {200, 150}} on 1: 200 x 150 px"_s, u"crosshair 1 {300, 250}"_s};
     QTest::newRow("a drag up-left is the same rectangle")
-        << QStringList{u"down 300 250"_s, u"drag 100 100"_s, u"up 100 100"_s}
-        << pressAndRelease + QStringList{u"capture {{100, 100}, {200, 150}}"_s};
-    QTest::newRow("a drag leaving the view stops at its edges")
-        << QStringList{u"down 900.5 700"_s, u"drag 1200 -50"_s, u"up 1200 -50"_s}
-        << pressAndRelease + QStringList{u"capture {{900.5, 0}, {99.5, 700}}"_s};
+        << twoAt1x() << QStringList{u"press 300 250"_s, u"drag 100 100"_s, u"release 100 100"_s}
+        << QStringList{u"capture {{100, 100}, {200, 150}} on 1: 200 x 150 px"_s, u"crosshair 1 {100, 100}"_s};
     QTest::newRow("only the last drag position counts")
-        << QStringList{u"down 10 10"_s, u"drag 500 500"_s, u"drag 20 30"_s, u"up 20 30"_s}
-        << pressAndRelease + QStringList{u"capture {{10, 10}, {10, 20}}"_s};
+        << twoAt1x() << QStringList{u"press 10 10"_s, u"drag 500 500"_s, u"drag 20 30"_s, u"release 20 30"_s}
+        << QStringList{u"capture {{10, 10}, {10, 20}} on 1: 10 x 20 px"_s, u"crosshair 1 {20, 30}"_s};
     QTest::newRow("a click without a drag cancels")
-        << QStringList{u"down 100 100"_s, u"up 100 100"_s} << pressAndRelease + QStringList{u"cancelSelection"_s};
+        << at1x15x2x() << QStringList{u"press 2500 700"_s, u"release 2500 700"_s}
+        << QStringList{u"cancelSelection"_s, u"crosshair 2 {580, 340}"_s};
     QTest::newRow("a drag along one axis only cancels")
-        << QStringList{u"down 100 100"_s, u"drag 300 100"_s, u"up 300 100"_s}
-        << pressAndRelease + QStringList{u"cancelSelection"_s};
-    QTest::newRow("moves and drags without a press select nothing")
-        << QStringList{u"move 50 50"_s, u"drag 300 300"_s, u"up 300 300"_s} << QStringList{u"cancelSelection"_s};
+        << twoAt1x() << QStringList{u"press 100 100"_s, u"drag 300 100"_s, u"release 300 100"_s}
+        << QStringList{u"cancelSelection"_s, u"crosshair 1 {300, 100}"_s};
+    QTest::newRow("moves follow the pointer across displays; a drag without a press selects nothing")
+        << twoAt1x() << QStringList{u"move 50 50"_s, u"move 2000 60"_s, u"drag 2100 70"_s, u"release 2100 70"_s}
+        << QStringList{u"cancelSelection"_s, u"crosshair 1 {50, 50}"_s, u"crosshair 2 {80, 60}"_s};
+    QTest::newRow("a drag onto the display on the right stops at the shared edge")
+        << twoAt1x() << QStringList{u"press 1800 500"_s, u"drag 2100 300"_s, u"release 2100 300"_s}
+        << QStringList{u"capture {{1800, 300}, {120, 200}} on 1: 120 x 200 px"_s, u"crosshair 1 {1920, 300}"_s};
+    QTest::newRow("a drag from the display on the right onto the left one stays on the right")
+        << twoAt1x() << QStringList{u"press 2100 300"_s, u"drag 1800 500"_s, u"release 1800 500"_s}
+        << QStringList{u"capture {{0, 300}, {180, 200}} on 2: 180 x 200 px"_s, u"crosshair 2 {0, 500}"_s};
+    QTest::newRow("a press on the shared edge belongs to the display that received it")
+        << twoAt1x() << QStringList{u"press 1920 500"_s, u"drag 2100 300"_s, u"release 2100 300"_s}
+        << QStringList{u"capture {{0, 300}, {180, 200}} on 2: 180 x 200 px"_s, u"crosshair 2 {180, 300}"_s};
+    QTest::newRow("a drag from a 2x display over the gap onto a 1x one stops at the 2x display's edge")
+        << at2xBeside1x() << QStringList{u"press 900 500"_s, u"drag 1500 300"_s, u"drag 2000 0"_s, u"release 2000 0"_s}
+        << QStringList{u"capture {{900, 0}, {60, 500}} on 1: 120 x 1000 px"_s, u"crosshair 1 {960, 0}"_s};
+    QTest::newRow("a drag from the 1x display onto a 2x one stays on the 1x one")
+        << at2xBeside1x() << QStringList{u"press 2020 -440"_s, u"drag 500 300"_s, u"release 500 300"_s}
+        << QStringList{u"capture {{0, 100}, {100, 740}} on 2: 100 x 740 px"_s, u"crosshair 2 {0, 840}"_s};
+    QTest::newRow("a drag from the 2x display across the others stops at its corner")
+        << at1x15x2x() << QStringList{u"press 3900 600"_s, u"drag 3000 700"_s, u"drag 100 100"_s, u"release 100 100"_s}
+        << QStringList{u"capture {{0, 0}, {60, 60}} on 3: 120 x 120 px"_s, u"crosshair 3 {0, 0}"_s};
+    QTest::newRow("a drag from the 1.5x display past the 2x one is measured at 1.5x")
+        << at1x15x2x() << QStringList{u"press 2000 400"_s, u"drag 4500 1000"_s, u"release 4500 1000"_s}
+        << QStringList{u"capture {{80, 40}, {1200, 600}} on 2: 1800 x 900 px"_s, u"crosshair 2 {1280, 640}"_s};
+    QTest::newRow("a drag from the 1x display released over the 1.5x one")
+        << at1x15x2x() << QStringList{u"press 1900 1000"_s, u"drag 2500 700"_s, u"release 2500 700"_s}
+        << QStringList{u"capture {{1900, 700}, {20, 300}} on 1: 20 x 300 px"_s, u"crosshair 1 {1920, 700}"_s};
 }
 
-void SelectionViewTest::mouse()
+void SelectionViewTest::pointerRouting()
 {
+    QFETCH(QList<DisplayInfo>, screens);
     QFETCH(QStringList, events);
     QFETCH(QStringList, expected);
-    ViewFixture f;
-    for (const QString &event : events) {
-        const QStringList parts = event.split(u' ');
-        const QPointF p(parts.at(1).toDouble(), parts.at(2).toDouble());
-        if (parts.first() == u"down"_s)
-            f.view.mouseDown(p);
-        else if (parts.first() == u"drag"_s)
-            f.view.mouseDragged(p);
-        else if (parts.first() == u"move"_s)
-            f.view.mouseMoved(p);
-        else
-            f.view.mouseUp(p);
+    using Kind = SelectionPointerRouter::Kind;
+    // Once as X delivers under our grab (to the overlay under the pointer), once as a window system with
+    // implicit grabs does (a drag and its release to the window it began in): the routing is the same.
+    for (const bool implicitGrab : {false, true}) {
+        OverlayFixture f(screens);
+        const SelectionView *pressed = nullptr;
+        for (const QString &event : events) {
+            const QStringList parts = event.split(u' ');
+            const QString kind = parts.first();
+            const QPointF p(parts.at(1).toDouble(), parts.at(2).toDouble());
+            const SelectionView *receiver = implicitGrab && pressed && kind != u"move"_s ? pressed : &f.viewUnder(p);
+            if (kind == u"press"_s)
+                pressed = receiver;
+            const Kind routed = kind == u"press"_s ? Kind::Press : kind == u"release"_s ? Kind::Release : Kind::Move;
+            f.pool.router().route(*receiver, routed, p, kind == u"press"_s || kind == u"drag"_s);
+        }
+        QStringList outcome;
+        for (const QString &call : f.delegate.calls) {
+            if (!call.startsWith(u"capture"_s)) {
+                outcome.append(call);
+                continue;
+            }
+            int owner = 0;
+            while (f.pool.at(owner).window.get() != f.delegate.lastWindow)
+                ++owner;
+            const capturegeometry::PixelSize size = f.view(owner).selectionPixelSize(f.view(owner).currentRect());
+            outcome.append(call % u" on "_s % trace::displayID(f.delegate.lastWindow->screen()->id)
+                           % u": %1 x %2 px"_s.arg(size.width).arg(size.height));
+        }
+        for (int i = 0; i < f.pool.size(); ++i) {
+            if (const std::optional<QPointF> point = f.view(i).currentMousePoint())
+                outcome.append(u"crosshair "_s % trace::displayID(screens.at(i).id) % u' ' % trace::point(*point));
+        }
+        outcome.removeIf([](const QString &call) { return call.startsWith(u"cursorDid"_s); });
+        QCOMPARE(outcome, expected);
+        QCOMPARE(f.cursor.hiddenLevel(), 0);
     }
-    QCOMPARE(f.delegate.calls, expected);
-    QCOMPARE(f.cursor.hiddenLevel(), 0);
-    if (expected.last().startsWith(u"capture"_s))
-        QCOMPARE(f.delegate.lastWindow, &f.window);
 }
 
 void SelectionViewTest::keys_data()

@@ -42,6 +42,7 @@ public:
     Rect convertRectToScreen(const Rect &rect) const override { return rect.translated(m_frame.x(), m_frame.y()); }
     QPointF convertPointFromScreen(QPointF point) const override { return point - m_frame.origin(); }
     void setContentView(SelectionView *view) override { contentView = view; }
+    void setPointerRouter(SelectionPointerRouter *router) override { pointerRouter = router; }
     void setNeedsDisplay() override { ++needsDisplayCount; }
     void setNeedsDisplayInRect(const Rect &rect) override
     {
@@ -69,6 +70,7 @@ public:
 
     std::optional<std::optional<DisplayInfo>> screenOverride;
     SelectionView *contentView = nullptr;
+    SelectionPointerRouter *pointerRouter = nullptr;
     bool isVisible = false;
     bool isKey = false;
     int needsDisplayCount = 0;

@@ -7,6 +7,7 @@
 
 #include <optional>
 
+class SelectionPointerRouter;
 class SelectionView;
 
 // One borderless overlay window covering a display during a selection (an NSWindow subclass on macOS,
@@ -32,11 +33,14 @@ public:
     virtual Rect convertRectToScreen(const Rect &rect) const = 0;
     virtual QPointF convertPointFromScreen(QPointF point) const = 0;
 
-    // Makes `view` the window's whole content: the window forwards every mouse event (button presses,
-    // drags, and moves without a button, including the first click while the window is inactive) and
-    // key event to it in the view's coordinates, gives it keyboard focus, and paints it through
-    // SelectionView::draw. The view is owned elsewhere and outlives its time in the window; null detaches.
+    // Makes `view` the window's whole content: the window forwards every key event to it, gives it
+    // keyboard focus, and paints it through SelectionView::draw. The view is owned elsewhere and outlives
+    // its time in the window; null detaches.
     virtual void setContentView(SelectionView *view) = 0;
+    // Where the window sends every pointer event (button presses and releases, drags, and moves without
+    // a button, including the first click while the window is inactive), in the global space, together
+    // with its content view. Set by the pool that owns the window; null detaches.
+    virtual void setPointerRouter(SelectionPointerRouter *router) = 0;
     // The content needs repainting; coalesced with other requests.
     virtual void setNeedsDisplay() = 0;
     // Only `rect` of the content (in the view's coordinates) needs repainting; coalesced likewise.

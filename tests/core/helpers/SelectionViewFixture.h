@@ -2,10 +2,11 @@
 
 #include "FakeCursor.h"
 #include "FakeDisplayProvider.h"
-#include "FakeSelectionWindow.h"
+#include "FakeSelectionWindowFactory.h"
 
 #include "capture/SelectionView.h"
 #include "capture/SelectionViewDelegate.h"
+#include "capture/SelectionWindowPool.h"
 #include "geometry/TraceFormat.h"
 
 #include <QImage>
@@ -55,6 +56,40 @@ struct ViewFixture
     RecordingDelegate delegate;
     FakeSelectionWindow window{displays, 0, nullptr};
     SelectionView view{Rect(QPointF(0, 0), size), &delegate, cursor, displays};
+};
+
+// Overlay windows over `screens` with their views, shown as a selection session shows them.
+struct OverlayFixture
+{
+    explicit OverlayFixture(const QList<DisplayInfo> &screens)
+    {
+        displays.displays = screens;
+        pool.growTo(int(screens.size()));
+        for (int i = 0; i < screens.size(); ++i) {
+            pool.at(i).window->setFrame(screens.at(i).frame);
+            pool.setView(i, std::make_unique<SelectionView>(capturegeometry::localBounds(screens.at(i).frame),
+                                                            &delegate, cursor, displays));
+        }
+        pool.setShownCount(int(screens.size()));
+    }
+
+    SelectionView &view(int index) { return *pool.at(index).view; }
+    // The window an X server with our grab sends an event at `global` to: the overlay under the
+    // pointer, else the grabbing first one.
+    SelectionView &viewUnder(QPointF global)
+    {
+        for (int i = 0; i < pool.size(); ++i) {
+            if (pool.at(i).window->frame().contains(global))
+                return view(i);
+        }
+        return view(0);
+    }
+
+    FakeDisplayProvider displays;
+    FakeCursor cursor;
+    RecordingDelegate delegate;
+    FakeSelectionWindowFactory factory{displays};
+    SelectionWindowPool pool{factory};
 };
 
 // Paints the view into an image the way a window does: the painter flipped to the view's y-up space, on a
