@@ -37,11 +37,10 @@ public:
     ImageEditorManager(const ImageEditorManager &) = delete;
     ImageEditorManager &operator=(const ImageEditorManager &) = delete;
 
-    // The windows open now, and the document prepared for the next showing.
+    // The windows open now: the primary one (null before it is first shown and after it closed), and
+    // the extra ones.
     EditorWindow *editorWindow() const { return m_editorWindow.get(); }
     QList<EditorWindow *> detachedEditorWindows() const;
-    const std::shared_ptr<ImageEditorModel> &model() const { return m_model; }
-    const std::optional<QUrl> &sourceFileURL() const { return m_sourceFileURL; }
 
     void scheduleEditNotification(const QImage &image, const QUrl &sourceURL) override;
     void openEditor(bool openInNewWindow) override { showEditorWindow(openInNewWindow); }
