@@ -95,13 +95,13 @@ void EditorCanvasWidget::mousePressEvent(QMouseEvent *event)
     }
     setFocus(Qt::MouseFocusReason);
     m_isPressed = true;
-    m_view.pointerInput().pointerPressed(event->position());
+    m_view.pointerPressed(event->position());
 }
 
 void EditorCanvasWidget::mouseMoveEvent(QMouseEvent *event)
 {
     if (m_isPressed && event->buttons().testFlag(Qt::LeftButton))
-        m_view.pointerInput().pointerMoved(event->position());
+        m_view.pointerMoved(event->position());
 }
 
 void EditorCanvasWidget::mouseReleaseEvent(QMouseEvent *event)
@@ -109,7 +109,7 @@ void EditorCanvasWidget::mouseReleaseEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton || !m_isPressed)
         return;
     m_isPressed = false;
-    m_view.pointerInput().pointerReleased(event->position());
+    m_view.pointerReleased(event->position());
 }
 
 bool EditorCanvasWidget::event(QEvent *event)
@@ -118,7 +118,7 @@ bool EditorCanvasWidget::event(QEvent *event)
     const bool losesPointer = event->type() == QEvent::WindowDeactivate || event->type() == QEvent::Hide;
     if (losesPointer && m_isPressed) {
         m_isPressed = false;
-        m_view.pointerInput().pointerCancelled();
+        m_view.pointerCancelled();
     }
     return QWidget::event(event);
 }

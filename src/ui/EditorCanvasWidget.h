@@ -10,8 +10,8 @@ class ImageEditorView;
 class OverlayTextField;
 
 // The canvas of an editor view: a widget of the zoomed canvas size (it sits in a scroll area),
-// painted by the view and forwarding the left button's presses, moves and releases to its pointer
-// input in view points. The text boxes' fields are its children, placed where the view says and
+// painted by the view and forwarding the left button's presses, moves and releases to the view in
+// view points. The text boxes' fields are its children, placed where the view says and
 // writing their text through the toolbar. Main thread.
 class EditorCanvasWidget final : public QWidget
 {

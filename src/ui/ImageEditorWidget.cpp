@@ -57,11 +57,7 @@ ImageEditorWidget::ImageEditorWidget(std::shared_ptr<ImageEditorView> view, QWid
     column->addLayout(makeBottomRow());
     addShortcuts();
 
-    connect(m_view.get(), &ImageEditorView::changed, this, [this] {
-        m_canvas->syncWithView();
-        m_toolbar->refresh();
-    });
-    connect(m_view.get(), &ImageEditorView::canvasGeometryChanged, this, &ImageEditorWidget::canvasGeometryChanged);
+    connect(m_view.get(), &ImageEditorView::changed, this, &ImageEditorWidget::viewChanged);
     connect(m_view.get(), &ImageEditorView::focusedTextOverlayChanged, m_canvas, &EditorCanvasWidget::syncTextFocus);
 }
 
@@ -109,6 +105,19 @@ void ImageEditorWidget::save()
     if (auto *spinBox = qobject_cast<QAbstractSpinBox *>(focusWidget()))
         spinBox->interpretText();
     m_view->save();
+}
+
+void ImageEditorWidget::viewChanged(ImageEditorView::Parts parts)
+{
+    using Part = ImageEditorView::Part;
+    if (parts & Part::CanvasGeometry)
+        canvasGeometryChanged();
+    else if (parts & Part::CanvasContent)
+        m_canvas->syncWithView();
+    else if (parts & Part::CanvasPaint)
+        m_canvas->update();
+    if (parts & Part::Toolbar)
+        m_toolbar->refresh();
 }
 
 void ImageEditorWidget::canvasGeometryChanged()

@@ -1,20 +1,21 @@
 #pragma once
 
+#include "editor/ImageEditorView.h"
+
 #include <QWidget>
 
 #include <memory>
 
 class EditorCanvasWidget;
 class EditorToolbarWidget;
-class ImageEditorView;
 class QPushButton;
 class QScrollArea;
 
 // The editor of one document as the content of an editor window: the toolbar, the canvas in a
 // scroll area that scrolls both ways, and "キャンセル" and "決定" at the bottom ("決定" is the
 // default button). The window's editing keys (undo, redo, delete) are shortcuts here. It redraws
-// when the view changes, resizes the canvas when its geometry changes, and centres the image while
-// the first layout passes settle. Main thread.
+// the parts the view names as changed, keeps the middle of the view in place when the canvas is
+// resized, and centres the image while the first layout passes settle. Main thread.
 class ImageEditorWidget final : public QWidget
 {
     Q_OBJECT
@@ -36,6 +37,7 @@ protected:
 private:
     void addShortcuts();
     QLayout *makeBottomRow();
+    void viewChanged(ImageEditorView::Parts parts);
     void canvasGeometryChanged();
     void centerOn(QPointF anchor);
     void save();

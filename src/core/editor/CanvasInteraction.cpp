@@ -8,6 +8,8 @@
 
 #include <QLineF>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 CanvasInteraction::CanvasInteraction(ImageEditorModel &model, EditorViewport &viewport, SystemLog &systemLog,
@@ -16,14 +18,19 @@ CanvasInteraction::CanvasInteraction(ImageEditorModel &model, EditorViewport &vi
 {
 }
 
-CanvasInteraction::~CanvasInteraction() = default;
+CanvasInteraction::~CanvasInteraction()
+{
+    // A drag cut short by the view going away still closes its edit.
+    if (m_dragInitialOverlay)
+        m_model.commitEdit();
+}
 
 void CanvasInteraction::setSelectedOverlayID(const std::optional<QUuid> &id)
 {
     if (id == m_selectedOverlayID)
         return;
     m_selectedOverlayID = id;
-    emit stateChanged();
+    emit changed(Change::Selection);
 }
 
 std::optional<Overlay> CanvasInteraction::selectedOverlay() const
@@ -39,46 +46,60 @@ void CanvasInteraction::setDrawMode(bool drawMode)
     if (drawMode == m_isDrawMode)
         return;
     m_isDrawMode = drawMode;
-    emit stateChanged();
+    emit changed(Change::Mode);
     // The text field of the selected box takes the keys only while editing.
     syncTextInputFocus();
 }
 
-Overlay CanvasInteraction::makeDrawnOverlay(QPointF start, QPointF current, bool isEnd) const
+Overlay CanvasInteraction::newDrawnOverlay(QPointF start, QPointF current) const
 {
     const EditorTool tool = m_model.selectedTool();
     if (tool == EditorTool::Text) {
-        Overlay box = m_model.makeOverlay(tool, start, start + canvasrules::textBoxExtent, m_model.selectedColor(),
-                                          canvasrules::newTextBoxText);
-        box.textFillColor = m_model.selectedTextFillColor();
+        Overlay box(tool, start, start + canvasrules::textBoxExtent, m_model.selectedColor(),
+                    canvasrules::newTextBoxText, m_model.selectedTextFillColor());
         box.fontFamily = m_model.selectedTextFontFamily();
         box.fontSize = m_model.selectedTextFontSize();
         return box;
     }
-    if (tool != EditorTool::Freehand || !m_activeOverlay || m_activeOverlay->type != EditorTool::Freehand) {
-        Overlay overlay = m_model.makeOverlay(tool, start, current, m_model.selectedColor(), QString());
-        if (tool == EditorTool::Freehand)
+    Overlay overlay = m_model.makeOverlay(tool, start, current, m_model.selectedColor(), QString());
+    if (tool == EditorTool::Freehand)
+        overlay.points = {start, current};
+    return overlay;
+}
+
+Overlay CanvasInteraction::makeDrawnOverlay(QPointF start, QPointF current, bool isEnd) const
+{
+    // The first move of a drag makes its overlay, and with it reads the styles (the saved fill among
+    // them) once; the later moves only reshape it.
+    if (!m_activeOverlay || m_activeOverlay->type != m_model.selectedTool())
+        return newDrawnOverlay(start, current);
+    Overlay overlay = *m_activeOverlay;
+    switch (overlay.type) {
+    case EditorTool::Text:
+        overlay.startPoint = start;
+        overlay.endPoint = start + canvasrules::textBoxExtent;
+        break;
+    case EditorTool::Freehand:
+        overlay.endPoint = current;
+        if (isEnd && overlay.points.isEmpty())
             overlay.points = {start, current};
-        return overlay;
+        else
+            canvasrules::extendFreehand(overlay, current,
+                                        isEnd ? canvasrules::freehandStepAtEnd : canvasrules::freehandStepWhileDragging);
+        break;
+    default:
+        overlay.startPoint = start;
+        overlay.endPoint = current;
     }
-    Overlay stroke = *m_activeOverlay;
-    stroke.endPoint = current;
-    if (isEnd && stroke.points.isEmpty())
-        stroke.points = {start, current};
-    else
-        canvasrules::extendFreehand(stroke, current,
-                                    isEnd ? canvasrules::freehandStepAtEnd : canvasrules::freehandStepWhileDragging);
-    return stroke;
+    return overlay;
 }
 
 void CanvasInteraction::drawDragChanged(const DragGestureEvent &event)
 {
-    if (!m_viewport.interactionCanvasImageRect())
-        m_viewport.setInteractionCanvasImageRect(m_viewport.baseCanvasImageRect());
     const QPointF start = m_viewport.convertToImagePoint(event.startLocation);
     const QPointF current = m_viewport.convertToImagePoint(event.location);
     m_activeOverlay = makeDrawnOverlay(start, current, false);
-    emit stateChanged();
+    emit changed(Change::Drawing);
 }
 
 void CanvasInteraction::drawDragEnded(const DragGestureEvent &event)
@@ -86,24 +107,23 @@ void CanvasInteraction::drawDragEnded(const DragGestureEvent &event)
     const QPointF start = m_viewport.convertToImagePoint(event.startLocation);
     const QPointF current = m_viewport.convertToImagePoint(event.location);
     const Overlay overlay = makeDrawnOverlay(start, current, true);
-    m_model.recordUndoSnapshot();
-    m_model.appendOverlay(overlay);
+    Changes changes = Change::Drawing;
+    m_activeOverlay.reset();
     if (m_model.selectedTool() == EditorTool::Text) {
         // Straight to typing: select the box, leave draw mode, focus its field once it exists.
         m_selectedOverlayID = overlay.id;
         m_isDrawMode = false;
+        changes |= Change::Selection | Change::Mode;
         postFocus(overlay.id);
     }
-    m_activeOverlay.reset();
-    m_viewport.setInteractionCanvasImageRect(std::nullopt);
-    emit stateChanged();
+    m_model.appendOverlay(overlay);
+    emit changed(changes);
 }
 
 void CanvasInteraction::drawDragCancelled()
 {
     m_activeOverlay.reset();
-    m_viewport.setInteractionCanvasImageRect(std::nullopt);
-    emit stateChanged();
+    emit changed(Change::Drawing);
 }
 
 void CanvasInteraction::overlayTapped(const QUuid &id)
@@ -136,16 +156,17 @@ void CanvasInteraction::overlayDragChanged(const QUuid &id, const DragGestureEve
     const Overlay overlay = m_model.overlays().at(*pressedIndex);
     const QPointF touch = event.startLocation;
 
+    Changes changes = Change::Dragging;
     if (!m_dragInitialOverlay) {
-        if (!m_viewport.interactionCanvasImageRect())
-            m_viewport.setInteractionCanvasImageRect(m_viewport.baseCanvasImageRect());
         const bool wasSelected = m_selectedOverlayID == id;
         if (!wasSelected) {
             const double padding = canvasrules::hitPadding(overlay.type);
             if (!overlay.contains(m_viewport.convertToImagePoint(touch), padding))
                 return;
             m_selectedOverlayID = id;
+            changes |= Change::Selection;
         }
+        m_model.beginEdit();
         m_dragInitialOverlay = overlay;
         const std::optional<int> found = searchDragCorner(overlay, touch);
         // Freehand strokes only move.
@@ -160,32 +181,21 @@ void CanvasInteraction::overlayDragChanged(const QUuid &id, const DragGestureEve
         const double scale = m_viewport.viewPointsPerImagePixel();
         const double dx = scale > 0 ? event.translation.width() / scale : 0;
         const double dy = scale > 0 ? -event.translation.height() / scale : 0;
-        takeUndoSnapshotOnce();
         // Always from the overlay as it was at the press, never accumulated.
         m_model.replaceOverlay(canvasrules::movedOverlay(*m_dragInitialOverlay, dx, dy));
     } else {
         m_systemLog.log(u"Vistrel: resizing corner=%1"_s.arg(*m_resizeCorner));
-        takeUndoSnapshotOnce();
         resizeOverlay(overlay, *m_resizeCorner, m_viewport.convertToImagePoint(event.location));
     }
-    emit stateChanged();
+    emit changed(changes);
 }
 
 void CanvasInteraction::overlayDragEnded()
 {
-    m_dragInitialOverlay.reset();
     m_resizeCorner.reset();
-    m_hasPushedUndoForCurrentDrag = false;
-    m_viewport.setInteractionCanvasImageRect(std::nullopt);
-    emit stateChanged();
-}
-
-void CanvasInteraction::takeUndoSnapshotOnce()
-{
-    if (m_hasPushedUndoForCurrentDrag)
-        return;
-    m_model.recordUndoSnapshot();
-    m_hasPushedUndoForCurrentDrag = true;
+    // The model announces what the drag changed; nothing else shown changes here.
+    if (std::exchange(m_dragInitialOverlay, std::nullopt))
+        m_model.commitEdit();
 }
 
 void CanvasInteraction::resizeOverlay(const Overlay &overlay, int corner, QPointF imagePoint)
@@ -198,32 +208,14 @@ void CanvasInteraction::resizeOverlay(const Overlay &overlay, int corner, QPoint
     m_model.replaceOverlay(canvasrules::resizedOverlay(m_model.overlays().at(*index), corner, imagePoint));
 }
 
-std::optional<int> CanvasInteraction::cornerIndexIfNear(const Overlay &overlay, QPointF imagePoint) const
-{
-    if (overlay.type == EditorTool::Arrow)
-        return std::nullopt;
-    const Rect rect = overlay.rect();
-    const QPointF corners[] = {{rect.minX(), rect.minY()}, {rect.maxX(), rect.minY()}, {rect.maxX(), rect.maxY()},
-                               {rect.minX(), rect.maxY()}};
-    const QPointF point = m_viewport.convertToViewPoint(imagePoint);
-    for (int index = 0; index < 4; ++index) {
-        if (QLineF(m_viewport.convertToViewPoint(corners[index]), point).length() <= canvasrules::nearCornerReach)
-            return index;
-    }
-    return std::nullopt;
-}
-
 void CanvasInteraction::deleteSelectedOverlay()
 {
     if (!m_selectedOverlayID)
         return;
-    m_model.recordUndoSnapshot();
-    m_model.removeOverlay(*m_selectedOverlayID);
-    m_selectedOverlayID.reset();
+    const QUuid id = *std::exchange(m_selectedOverlayID, std::nullopt);
+    m_model.removeOverlay(id);
     syncTextInputFocus();
-    if (m_isDrawMode)
-        m_viewport.setInteractionCanvasImageRect(std::nullopt);
-    emit stateChanged();
+    emit changed(Change::Selection);
 }
 
 void CanvasInteraction::syncTextInputFocus()

@@ -2,6 +2,7 @@
 
 #include "editor/Overlay.h"
 
+#include <QFlags>
 #include <QObject>
 #include <QPointF>
 #include <QSizeF>
@@ -24,15 +25,25 @@ struct DragGestureEvent
 };
 
 // The pointer logic of an editor view: in draw mode a drag makes a new overlay of the selected tool;
-// in edit mode a tap selects an overlay and a drag moves or resizes it. Each drag that changes the
-// document takes exactly one undo snapshot. The handlers are the gesture handlers of the canvas (draw
-// mode) and of each overlay (edit mode); CanvasPointerInput decides which one a press reaches.
-// Main thread only.
+// in edit mode a tap selects an overlay and a drag moves or resizes it. An edit drag is one edit of
+// the document, open from its first move to its release, so it is one undo step, or none when it
+// ends where it began. The handlers are the gesture handlers of the canvas (draw mode) and of each
+// overlay (edit mode); CanvasPointerInput decides which one a press reaches. Main thread only.
 class CanvasInteraction final : public QObject
 {
     Q_OBJECT
 
 public:
+    enum class Change {
+        // The overlay being drawn.
+        Drawing = 0x1,
+        // An edit drag moved or resized an overlay of the document; the model announces it at the release.
+        Dragging = 0x2,
+        Selection = 0x4,
+        Mode = 0x8,
+    };
+    Q_DECLARE_FLAGS(Changes, Change)
+
     CanvasInteraction(ImageEditorModel &model, EditorViewport &viewport, SystemLog &systemLog, Scheduler &scheduler,
                       QObject *parent = nullptr);
     ~CanvasInteraction() override;
@@ -42,12 +53,8 @@ public:
     const std::optional<QUuid> &selectedOverlayID() const { return m_selectedOverlayID; }
     void setSelectedOverlayID(const std::optional<QUuid> &id);
     std::optional<Overlay> selectedOverlay() const;
-    const std::optional<int> &resizeCorner() const { return m_resizeCorner; }
-    // Present while an edit drag runs: the overlay as it was at the press.
-    const std::optional<Overlay> &dragInitialOverlay() const { return m_dragInitialOverlay; }
     bool isDrawMode() const { return m_isDrawMode; }
     void setDrawMode(bool drawMode);
-    bool hasPushedUndoForCurrentDrag() const { return m_hasPushedUndoForCurrentDrag; }
     // The text box whose field has the keyboard focus.
     const std::optional<QUuid> &focusedTextOverlayID() const { return m_focusedTextOverlayID; }
 
@@ -61,19 +68,17 @@ public:
     void overlayDragEnded();
 
     void resizeOverlay(const Overlay &overlay, int corner, QPointF imagePoint);
-    // The first corner within 30 view points of the point; never for arrows.
-    std::optional<int> cornerIndexIfNear(const Overlay &overlay, QPointF imagePoint) const;
     void deleteSelectedOverlay();
     void syncTextInputFocus();
 
 signals:
-    void stateChanged();
+    void changed(CanvasInteraction::Changes changes);
     void focusedTextOverlayChanged();
 
 private:
+    Overlay newDrawnOverlay(QPointF start, QPointF current) const;
     Overlay makeDrawnOverlay(QPointF start, QPointF current, bool isEnd) const;
     std::optional<int> searchDragCorner(const Overlay &overlay, QPointF touch) const;
-    void takeUndoSnapshotOnce();
     void setFocusedTextOverlayID(const std::optional<QUuid> &id);
     void postFocus(const QUuid &id);
 
@@ -85,9 +90,11 @@ private:
     std::optional<Overlay> m_activeOverlay;
     std::optional<QUuid> m_selectedOverlayID;
     std::optional<int> m_resizeCorner;
+    // Present while an edit drag runs, and its edit of the document is open: the overlay at the press.
     std::optional<Overlay> m_dragInitialOverlay;
     bool m_isDrawMode = true;
-    bool m_hasPushedUndoForCurrentDrag = false;
     std::optional<QUuid> m_focusedTextOverlayID;
     std::shared_ptr<char> m_lifetime = std::make_shared<char>();
 };
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(CanvasInteraction::Changes)

@@ -24,7 +24,6 @@ constexpr double freehandStepAtEnd = 1.0;
 constexpr double shapeHitPadding = 8;
 // A press this close to a corner of the pressed overlay resizes it (view points).
 constexpr double dragCornerReach = 50;
-constexpr double nearCornerReach = 30;
 
 constexpr double handleDiameter = 12;
 constexpr double handleOutlineWidth = 2;

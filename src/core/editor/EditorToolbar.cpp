@@ -160,32 +160,28 @@ bool EditorToolbar::isTextFillColorSelected(const QColor &color) const
     return sameColor(color, m_model.selectedTextFillColor());
 }
 
-void EditorToolbar::commitRestyle(const Overlay &restyled)
-{
-    m_model.recordUndoSnapshot();
-    m_model.replaceOverlay(restyled);
-}
-
 void EditorToolbar::setSelectedColor(const QColor &color)
 {
     const QColor picked = inDeviceRGB(color);
+    const ImageEditorModel::Edit edit(m_model);
     m_model.setSelectedColor(picked);
     editorstyle::saveEditorColor(m_model.defaults(), picked, editorstyle::editorStrokeColorDefaultsKey);
     if (std::optional<Overlay> overlay = m_interaction.selectedOverlay(); overlay && !sameColor(overlay->color, picked)) {
         overlay->color = picked;
-        commitRestyle(*overlay);
+        m_model.replaceOverlay(*overlay);
     }
 }
 
 void EditorToolbar::setSelectedTextFillColor(const QColor &color)
 {
     const QColor picked = withAlpha(inDeviceRGB(color), m_textFillOpacity);
+    const ImageEditorModel::Edit edit(m_model);
     m_model.setSelectedTextFillColor(picked);
     editorstyle::saveEditorColor(m_model.defaults(), picked, editorstyle::editorTextFillColorDefaultsKey);
     if (std::optional<Overlay> overlay = m_interaction.selectedOverlay();
         overlay && !sameColor(overlay->textFillColor, picked)) {
         overlay->textFillColor = picked;
-        commitRestyle(*overlay);
+        m_model.replaceOverlay(*overlay);
     }
 }
 
@@ -201,13 +197,14 @@ void EditorToolbar::setSelectedTextFillOpacity(double opacity)
         m_textFillOpacity = normalized;
         emit textFillOpacityChanged();
     }
+    const ImageEditorModel::Edit edit(m_model);
     m_model.setSelectedTextFillColor(
         editorstyle::saveEditorTextFillOpacity(m_model.defaults(), normalized, m_model.selectedTextFillColor()));
     if (std::optional<Overlay> overlay = m_interaction.selectedOverlay()) {
         const QColor fill = withAlpha(overlay->textFillColor, normalized);
         if (!sameColor(overlay->textFillColor, fill)) {
             overlay->textFillColor = fill;
-            commitRestyle(*overlay);
+            m_model.replaceOverlay(*overlay);
         }
     }
 }
@@ -229,10 +226,11 @@ QString EditorToolbar::selectedFontFamily() const
 
 void EditorToolbar::setSelectedFontFamily(const QString &family)
 {
+    const ImageEditorModel::Edit edit(m_model);
     m_model.setSelectedTextFontFamily(family);
-    if (std::optional<Overlay> overlay = m_interaction.selectedOverlay(); overlay && overlay->fontFamily != family) {
+    if (std::optional<Overlay> overlay = m_interaction.selectedOverlay()) {
         overlay->fontFamily = family;
-        commitRestyle(*overlay);
+        m_model.replaceOverlay(*overlay);
     }
 }
 
@@ -252,10 +250,11 @@ void EditorToolbar::setSelectedFontSize(double size)
     if (std::isnan(size))
         return;
     const double clamped = std::clamp(size, editorrender::minimumFontSize, editorrender::maximumFontSize);
+    const ImageEditorModel::Edit edit(m_model);
     m_model.setSelectedTextFontSize(clamped);
-    if (std::optional<Overlay> overlay = m_interaction.selectedOverlay(); overlay && overlay->fontSize != clamped) {
+    if (std::optional<Overlay> overlay = m_interaction.selectedOverlay()) {
         overlay->fontSize = clamped;
-        commitRestyle(*overlay);
+        m_model.replaceOverlay(*overlay);
     }
 }
 
@@ -268,9 +267,9 @@ QString EditorToolbar::text(const QUuid &overlayID) const
 void EditorToolbar::setText(const QUuid &overlayID, const QString &text)
 {
     const std::optional<qsizetype> index = m_model.indexOfOverlay(overlayID);
-    if (!index || m_model.overlays().at(*index).text == text)
+    if (!index)
         return;
     Overlay overlay = m_model.overlays().at(*index);
     overlay.text = text;
-    commitRestyle(overlay);
+    m_model.replaceOverlay(overlay);
 }

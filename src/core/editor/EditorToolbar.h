@@ -16,7 +16,7 @@ class ImageEditorModel;
 
 // The toolbar of an editor view as data, and what its controls do. Every style control sets the style
 // of new overlays (kept in the model and remembered in the preferences) and restyles the selected
-// overlay as one undoable step when that changes it. It reads the model and the interaction state, so
+// overlay, both in one edit of the document: one undo step when the overlay changes, none otherwise. It reads the model and the interaction state, so
 // it follows undo, redo and selection at once. Main thread only.
 class EditorToolbar final : public QObject
 {
@@ -116,9 +116,6 @@ signals:
     void textFillOpacityChanged();
 
 private:
-    // One undo step, then the selected overlay as restyled.
-    void commitRestyle(const Overlay &restyled);
-
     ImageEditorModel &m_model;
     CanvasInteraction &m_interaction;
     double m_textFillOpacity;

@@ -63,14 +63,6 @@ void EditorViewport::setZoomFromSlider(double value)
     setZoomScale(std::round((sliderMinimum + steps * sliderStep) * 10) / 10);
 }
 
-void EditorViewport::setInteractionCanvasImageRect(const std::optional<Rect> &rect)
-{
-    if (rect == m_interactionCanvasImageRect)
-        return;
-    m_interactionCanvasImageRect = rect;
-    emit geometryChanged();
-}
-
 QSizeF EditorViewport::imageSize() const
 {
     return QSizeF(m_model.image().size()) / pixelRatio();
@@ -87,34 +79,24 @@ Rect EditorViewport::baseCanvasImageRect() const
     return viewportgeometry::baseCanvasImageRect(imageSize(), canvasPadding);
 }
 
-Rect EditorViewport::canvasImageRect() const
-{
-    return m_interactionCanvasImageRect ? *m_interactionCanvasImageRect : baseCanvasImageRect();
-}
-
 QSizeF EditorViewport::zoomedCanvasSize() const
 {
-    return viewportgeometry::zoomedCanvasSize(canvasImageRect(), m_zoomScale);
+    return viewportgeometry::zoomedCanvasSize(baseCanvasImageRect(), m_zoomScale);
 }
 
 QRectF EditorViewport::imageFrameInCanvas() const
 {
-    return viewportgeometry::imageFrameInCanvas(canvasImageRect(), imageSize(), m_zoomScale);
-}
-
-QRectF EditorViewport::fittedImageFrame(QSizeF) const
-{
-    return imageFrameInCanvas();
+    return viewportgeometry::imageFrameInCanvas(baseCanvasImageRect(), imageSize(), m_zoomScale);
 }
 
 QPointF EditorViewport::convertToImagePoint(QPointF viewPoint) const
 {
-    return viewportgeometry::convertToImagePoint(viewPoint, canvasImageRect(), m_zoomScale) * pixelRatio();
+    return viewportgeometry::convertToImagePoint(viewPoint, baseCanvasImageRect(), m_zoomScale) * pixelRatio();
 }
 
 QPointF EditorViewport::convertToViewPoint(QPointF imagePoint) const
 {
-    return viewportgeometry::convertToViewPoint(imagePoint / pixelRatio(), canvasImageRect(), m_zoomScale);
+    return viewportgeometry::convertToViewPoint(imagePoint / pixelRatio(), baseCanvasImageRect(), m_zoomScale);
 }
 
 QRectF EditorViewport::overlayRectInView(const Overlay &overlay) const
@@ -122,14 +104,14 @@ QRectF EditorViewport::overlayRectInView(const Overlay &overlay) const
     const Rect pixels = overlay.rect();
     const double ratio = pixelRatio();
     const Rect points(pixels.minX() / ratio, pixels.minY() / ratio, pixels.width() / ratio, pixels.height() / ratio);
-    return viewportgeometry::rectInView(points, canvasImageRect(), m_zoomScale);
+    return viewportgeometry::rectInView(points, baseCanvasImageRect(), m_zoomScale);
 }
 
 QTransform EditorViewport::imageToViewTransform() const
 {
     const double pointsPerPixel = 1 / pixelRatio();
     return QTransform::fromScale(pointsPerPixel, pointsPerPixel)
-           * viewportgeometry::imageToViewTransform(canvasImageRect(), m_zoomScale);
+           * viewportgeometry::imageToViewTransform(baseCanvasImageRect(), m_zoomScale);
 }
 
 QPointF EditorViewport::imageCenterAnchor() const

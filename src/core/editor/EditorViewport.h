@@ -13,7 +13,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 
 class ImageEditorModel;
 class Scheduler;
@@ -61,23 +60,16 @@ public:
     // The slider's value, kept to its range and steps.
     void setZoomFromSlider(double value);
 
-    // Frozen for the length of a drag, so that the mapping stays put while it runs.
-    const std::optional<Rect> &interactionCanvasImageRect() const { return m_interactionCanvasImageRect; }
-    void setInteractionCanvasImageRect(const std::optional<Rect> &rect);
-
     // In image points.
     QSizeF imageSize() const;
     // Image pixels per image point: 2 for a capture from a HiDPI display, 1 for files and the clipboard.
     double pixelRatio() const;
     // How far one image pixel reaches on the canvas.
     double viewPointsPerImagePixel() const { return m_zoomScale / pixelRatio(); }
-    // The canvas rectangles are in image points.
+    // The canvas rectangle, in image points. It follows the image alone, so it stays put while a drag runs.
     Rect baseCanvasImageRect() const;
-    Rect canvasImageRect() const;
     QSizeF zoomedCanvasSize() const;
     QRectF imageFrameInCanvas() const;
-    // The same as imageFrameInCanvas, whatever the size.
-    QRectF fittedImageFrame(QSizeF size) const;
     // View points to overlay coordinates (image pixels, y up) and back.
     QPointF convertToImagePoint(QPointF viewPoint) const;
     QPointF convertToViewPoint(QPointF imagePoint) const;
@@ -91,18 +83,15 @@ public:
     // settle: schedules up to four scrolls to the image centre, 0.05 s × n after the n-th call.
     // `scrollToAnchor` is given the anchor in canvas view points and centres the scroll area on it.
     void performInitialCentering(std::function<void(QPointF anchor)> scrollToAnchor);
-    bool hasCenteredInitialViewport() const { return m_hasCenteredInitialViewport; }
-    int initialCenteringAttempt() const { return m_initialCenteringAttempt; }
 
 signals:
-    // The zoom or the canvas rectangle changed: the canvas has a new size and mapping.
+    // The zoom changed: the canvas has a new size and mapping.
     void geometryChanged();
 
 private:
     const ImageEditorModel &m_model;
     Scheduler &m_scheduler;
     double m_zoomScale = 1.0;
-    std::optional<Rect> m_interactionCanvasImageRect;
     bool m_hasCenteredInitialViewport = false;
     int m_initialCenteringAttempt = 0;
     // Scheduled scrolls check that the viewport still exists.

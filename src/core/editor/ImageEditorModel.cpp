@@ -2,7 +2,19 @@
 
 #include "editor/EditorRenderer.h"
 #include "editor/EditorStylePreferences.h"
-#include "editor/OverlayGeometry.h"
+
+#include <utility>
+
+namespace {
+
+void pushTrimmed(QList<ImageEditorModel::Snapshot> &stack, const ImageEditorModel::Snapshot &snapshot)
+{
+    stack.append(snapshot);
+    if (stack.size() > ImageEditorModel::maxUndoSteps)
+        stack.remove(0, stack.size() - ImageEditorModel::maxUndoSteps);
+}
+
+} // namespace
 
 ImageEditorModel::ImageEditorModel(const QImage &image, KeyValueStore &store, QObject *parent)
     : QObject(parent)
@@ -13,77 +25,66 @@ ImageEditorModel::ImageEditorModel(const QImage &image, KeyValueStore &store, QO
 {
 }
 
-void ImageEditorModel::setImage(const QImage &image)
+void ImageEditorModel::beginEdit()
 {
-    m_image = image;
-    emit imageChanged();
+    if (m_editDepth++ > 0)
+        return;
+    m_editStart = m_overlays;
+    m_pendingChanges = {};
 }
 
-void ImageEditorModel::setOverlays(const QList<Overlay> &overlays)
+void ImageEditorModel::commitEdit()
 {
-    m_overlays = overlays;
-    emit overlaysChanged();
+    if (m_editDepth == 0 || --m_editDepth > 0)
+        return;
+    Changes changes = std::exchange(m_pendingChanges, {});
+    if (settleOpenEdit())
+        changes |= Change::Overlays | Change::History;
+    m_editStart.clear();
+    if (changes)
+        emit changed(changes);
+}
+
+bool ImageEditorModel::settleOpenEdit()
+{
+    // Overlays are values: a drag that ends where it began leaves the document equal and takes no step.
+    if (m_overlays == m_editStart)
+        return false;
+    pushTrimmed(m_undoStack, m_editStart);
+    m_redoStack.clear();
+    return true;
+}
+
+void ImageEditorModel::noteChange(Changes changes)
+{
+    m_pendingChanges |= changes;
+}
+
+void ImageEditorModel::setImage(const QImage &image)
+{
+    const Edit edit(*this);
+    m_image = image;
+    noteChange(Change::Image);
 }
 
 void ImageEditorModel::appendOverlay(const Overlay &overlay)
 {
+    const Edit edit(*this);
     m_overlays.append(overlay);
-    emit overlaysChanged();
 }
 
 void ImageEditorModel::replaceOverlay(const Overlay &overlay)
 {
-    const std::optional<qsizetype> index = indexOfOverlay(overlay.id);
-    if (!index)
-        return;
-    m_overlays[*index] = overlay;
-    emit overlaysChanged();
+    if (const std::optional<qsizetype> index = indexOfOverlay(overlay.id)) {
+        const Edit edit(*this);
+        m_overlays[*index] = overlay;
+    }
 }
 
-void ImageEditorModel::setSelectedTool(EditorTool tool)
+void ImageEditorModel::removeOverlay(const QUuid &id)
 {
-    if (m_selectedTool == tool)
-        return;
-    m_selectedTool = tool;
-    emit selectedToolChanged();
-}
-
-void ImageEditorModel::setSelectedColor(const QColor &color)
-{
-    if (m_selectedColor == color)
-        return;
-    m_selectedColor = color;
-    emit selectedColorChanged();
-}
-
-void ImageEditorModel::setSelectedTextFillColor(const QColor &color)
-{
-    if (m_selectedTextFillColor == color)
-        return;
-    m_selectedTextFillColor = color;
-    emit selectedTextFillColorChanged();
-}
-
-void ImageEditorModel::setSelectedTextFontFamily(const QString &family)
-{
-    if (m_selectedTextFontFamily == family)
-        return;
-    m_selectedTextFontFamily = family;
-    emit selectedTextFontFamilyChanged();
-}
-
-void ImageEditorModel::setSelectedTextFontSize(double size)
-{
-    if (m_selectedTextFontSize == size)
-        return;
-    m_selectedTextFontSize = size;
-    emit selectedTextFontSizeChanged();
-}
-
-Overlay ImageEditorModel::makeOverlay(EditorTool type, QPointF startPoint, QPointF endPoint, const QColor &color,
-                                      const QString &text) const
-{
-    return Overlay(type, startPoint, endPoint, color, text, editorstyle::editorTextFillColor(m_defaults));
+    const Edit edit(*this);
+    m_overlays.removeIf([&id](const Overlay &overlay) { return overlay.id == id; });
 }
 
 std::optional<qsizetype> ImageEditorModel::indexOfOverlay(const QUuid &id) const
@@ -95,51 +96,55 @@ std::optional<qsizetype> ImageEditorModel::indexOfOverlay(const QUuid &id) const
     return std::nullopt;
 }
 
-void ImageEditorModel::updateOverlay(const QUuid &id, std::optional<QPointF> start, std::optional<QPointF> end)
+void ImageEditorModel::setSelectedTool(EditorTool tool)
 {
-    const std::optional<qsizetype> index = indexOfOverlay(id);
-    if (!index)
+    if (m_selectedTool == tool)
         return;
-    Overlay &overlay = m_overlays[*index];
-    if (start)
-        overlay.startPoint = *start;
-    if (end)
-        overlay.endPoint = *end;
-    emit overlaysChanged();
+    const Edit edit(*this);
+    m_selectedTool = tool;
+    noteChange(Change::Style);
 }
 
-void ImageEditorModel::moveOverlay(const QUuid &id, QSizeF translation)
+void ImageEditorModel::setSelectedColor(const QColor &color)
 {
-    const std::optional<qsizetype> index = indexOfOverlay(id);
-    if (!index)
+    if (m_selectedColor == color)
         return;
-    const QPointF offset(translation.width(), translation.height());
-    Overlay &overlay = m_overlays[*index];
-    overlay.startPoint += offset;
-    overlay.endPoint += offset;
-    for (QPointF &point : overlay.points)
-        point += offset;
-    emit overlaysChanged();
+    const Edit edit(*this);
+    m_selectedColor = color;
+    noteChange(Change::Style);
 }
 
-void ImageEditorModel::removeOverlay(const QUuid &id)
+void ImageEditorModel::setSelectedTextFillColor(const QColor &color)
 {
-    if (m_overlays.removeIf([&id](const Overlay &overlay) { return overlay.id == id; }) > 0)
-        emit overlaysChanged();
+    if (m_selectedTextFillColor == color)
+        return;
+    const Edit edit(*this);
+    m_selectedTextFillColor = color;
+    noteChange(Change::Style);
 }
 
-void ImageEditorModel::pushTrimmed(QList<Snapshot> &stack, const Snapshot &snapshot)
+void ImageEditorModel::setSelectedTextFontFamily(const QString &family)
 {
-    stack.append(snapshot);
-    if (stack.size() > maxUndoSteps)
-        stack.remove(0, stack.size() - maxUndoSteps);
+    if (m_selectedTextFontFamily == family)
+        return;
+    const Edit edit(*this);
+    m_selectedTextFontFamily = family;
+    noteChange(Change::Style);
 }
 
-void ImageEditorModel::recordUndoSnapshot()
+void ImageEditorModel::setSelectedTextFontSize(double size)
 {
-    pushTrimmed(m_undoStack, m_overlays);
-    m_redoStack.clear();
-    updateHistoryFlags();
+    if (m_selectedTextFontSize == size)
+        return;
+    const Edit edit(*this);
+    m_selectedTextFontSize = size;
+    noteChange(Change::Style);
+}
+
+Overlay ImageEditorModel::makeOverlay(EditorTool type, QPointF startPoint, QPointF endPoint, const QColor &color,
+                                      const QString &text) const
+{
+    return Overlay(type, startPoint, endPoint, color, text, editorstyle::editorTextFillColor(m_defaults));
 }
 
 void ImageEditorModel::undoLastAction()
@@ -154,30 +159,18 @@ void ImageEditorModel::redoLastAction()
 
 void ImageEditorModel::stepThroughHistory(QList<Snapshot> &from, QList<Snapshot> &to)
 {
+    if (m_editDepth > 0 && settleOpenEdit()) {
+        m_editStart = m_overlays;
+        noteChange(Change::Overlays | Change::History);
+    }
     if (from.isEmpty())
         return;
-    const Snapshot snapshot = from.takeLast();
     pushTrimmed(to, m_overlays);
-    setOverlays(snapshot);
-    updateHistoryFlags();
-}
-
-void ImageEditorModel::updateHistoryFlags()
-{
-    m_canUndo = !m_undoStack.isEmpty();
-    m_canRedo = !m_redoStack.isEmpty();
-    emit canUndoChanged();
-    emit canRedoChanged();
-}
-
-Rect ImageEditorModel::overlayRenderBounds(const Overlay &overlay)
-{
-    return overlaygeometry::overlayRenderBounds(overlay);
-}
-
-Rect ImageEditorModel::renderContentBounds(QSizeF imageSize) const
-{
-    return overlaygeometry::renderContentBounds(m_overlays, imageSize);
+    m_overlays = from.takeLast();
+    if (m_editDepth > 0)
+        m_editStart = m_overlays;
+    // At once, even inside an edit: the step is the user's own action, not part of the edit.
+    emit changed(std::exchange(m_pendingChanges, {}) | Change::Overlays | Change::History);
 }
 
 QImage ImageEditorModel::renderEditedImage() const

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 const QColor ImageEditorView::canvasBackground = QColor(228, 228, 231);
 
@@ -20,25 +21,87 @@ ImageEditorView::ImageEditorView(std::shared_ptr<ImageEditorModel> model, Servic
       m_pointerInput(*m_model, m_viewport, m_interaction),
       m_toolbar(*m_model, m_interaction)
 {
-    ImageEditorModel *document = m_model.get();
-    for (auto signal : {&ImageEditorModel::imageChanged, &ImageEditorModel::overlaysChanged,
-                        &ImageEditorModel::selectedToolChanged, &ImageEditorModel::selectedColorChanged,
-                        &ImageEditorModel::selectedTextFillColorChanged,
-                        &ImageEditorModel::selectedTextFontFamilyChanged,
-                        &ImageEditorModel::selectedTextFontSizeChanged, &ImageEditorModel::canUndoChanged,
-                        &ImageEditorModel::canRedoChanged})
-        connect(document, signal, this, &ImageEditorView::changed);
-    connect(document, &ImageEditorModel::imageChanged, this, &ImageEditorView::canvasGeometryChanged);
-    connect(&m_viewport, &EditorViewport::geometryChanged, this, &ImageEditorView::canvasGeometryChanged);
-    connect(&m_viewport, &EditorViewport::geometryChanged, this, &ImageEditorView::changed);
-    connect(&m_interaction, &CanvasInteraction::stateChanged, this, &ImageEditorView::changed);
+    connect(m_model.get(), &ImageEditorModel::changed, this, &ImageEditorView::modelChanged);
+    connect(&m_interaction, &CanvasInteraction::changed, this, &ImageEditorView::interactionChanged);
     connect(&m_interaction, &CanvasInteraction::focusedTextOverlayChanged, this,
             &ImageEditorView::focusedTextOverlayChanged);
-    connect(&m_interaction, &CanvasInteraction::focusedTextOverlayChanged, this, &ImageEditorView::changed);
-    connect(&m_toolbar, &EditorToolbar::textFillOpacityChanged, this, &ImageEditorView::changed);
+    // The zoom controls are in the toolbar.
+    connect(&m_viewport, &EditorViewport::geometryChanged, this,
+            [this] { announce(Part::CanvasGeometry | Part::Toolbar); });
+    connect(&m_toolbar, &EditorToolbar::textFillOpacityChanged, this, [this] { announce(Part::Toolbar); });
 }
 
 ImageEditorView::~ImageEditorView() = default;
+
+void ImageEditorView::modelChanged(ImageEditorModel::Changes changes)
+{
+    using Change = ImageEditorModel::Change;
+    Parts parts;
+    if (changes & Change::Image)
+        parts |= Part::CanvasGeometry;
+    if (changes & Change::Overlays)
+        parts |= Part::CanvasContent;
+    // An overlay changes with a step of the history, which also covers the selected one's font.
+    if (changes & (Change::History | Change::Style))
+        parts |= Part::Toolbar;
+    announce(parts);
+}
+
+void ImageEditorView::interactionChanged(CanvasInteraction::Changes changes)
+{
+    using Change = CanvasInteraction::Change;
+    Parts parts;
+    if (changes & Change::Drawing)
+        parts |= Part::CanvasPaint;
+    if (changes & Change::Dragging)
+        parts |= Part::CanvasContent;
+    // Handles on the canvas; delete and the selected box's font in the toolbar.
+    if (changes & Change::Selection)
+        parts |= Part::CanvasPaint | Part::Toolbar;
+    if (changes & Change::Mode)
+        parts |= Part::Toolbar;
+    announce(parts);
+}
+
+void ImageEditorView::announce(Parts parts)
+{
+    if (m_isHandlingPointer)
+        m_pendingParts |= parts;
+    else if (parts)
+        emit changed(parts);
+}
+
+template<typename Handler>
+void ImageEditorView::handlePointer(Handler handler)
+{
+    // A release may close a drawing, commit an edit and change the selection: one redraw for all.
+    const bool isOuter = !std::exchange(m_isHandlingPointer, true);
+    handler();
+    if (!isOuter)
+        return;
+    m_isHandlingPointer = false;
+    announce(std::exchange(m_pendingParts, {}));
+}
+
+void ImageEditorView::pointerPressed(QPointF location)
+{
+    handlePointer([&] { m_pointerInput.pointerPressed(location); });
+}
+
+void ImageEditorView::pointerMoved(QPointF location)
+{
+    handlePointer([&] { m_pointerInput.pointerMoved(location); });
+}
+
+void ImageEditorView::pointerReleased(QPointF location)
+{
+    handlePointer([&] { m_pointerInput.pointerReleased(location); });
+}
+
+void ImageEditorView::pointerCancelled()
+{
+    handlePointer([&] { m_pointerInput.pointerCancelled(); });
+}
 
 void ImageEditorView::save()
 {

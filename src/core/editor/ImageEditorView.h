@@ -4,6 +4,7 @@
 #include "editor/CanvasPointerInput.h"
 #include "editor/EditorToolbar.h"
 #include "editor/EditorViewport.h"
+#include "editor/ImageEditorModel.h"
 
 #include <QColor>
 #include <QFont>
@@ -16,15 +17,15 @@
 #include <functional>
 #include <memory>
 
-class ImageEditorModel;
 class QPainter;
 class Scheduler;
 class SystemLog;
 
 // The editor of one document, as the widgets of an editor window see it: the canvas (viewport and
 // pointer logic), the toolbar, the text fields of the text boxes and the save and cancel actions. The
-// widgets forward input here, paint the canvas with paintCanvas and lay out what the data says; they
-// redraw on changed(). Main thread only.
+// widgets forward input here, paint the canvas with paintCanvas and lay out what the data says. They
+// redraw the parts that changed() names: one pointer event is one changed() at most, and the toolbar
+// is named only when something it shows changed. Main thread only.
 class ImageEditorView final : public QObject
 {
     Q_OBJECT
@@ -56,6 +57,17 @@ public:
         double outlineWidth;
     };
 
+    enum class Part {
+        // The document or a drag under way: the canvas's text fields and painting follow.
+        CanvasContent = 0x1,
+        // Only the painting: the overlay being drawn, the handles of the selection.
+        CanvasPaint = 0x2,
+        // The canvas has a new size or mapping (zoom, picture).
+        CanvasGeometry = 0x4,
+        Toolbar = 0x8,
+    };
+    Q_DECLARE_FLAGS(Parts, Part)
+
     static const QColor canvasBackground;
 
     ImageEditorView(std::shared_ptr<ImageEditorModel> model, Services services, QObject *parent = nullptr);
@@ -75,6 +87,12 @@ public:
     std::function<void(const QImage &image)> onSave;
     std::function<void()> onCancel;
 
+    // The canvas's pointer, in view points.
+    void pointerPressed(QPointF location);
+    void pointerMoved(QPointF location);
+    void pointerReleased(QPointF location);
+    void pointerCancelled();
+
     // "決定": the flattened picture, or the unedited one when flattening fails.
     void save();
     // "キャンセル".
@@ -87,17 +105,25 @@ public:
     void paintCanvas(QPainter &painter) const;
 
 signals:
-    // Anything shown changed: the document, the selection, the mode, the zoom, the toolbar.
-    void changed();
-    // The canvas has a new size or mapping: the scroll area resizes it.
-    void canvasGeometryChanged();
+    void changed(ImageEditorView::Parts parts);
     void focusedTextOverlayChanged();
 
 private:
+    void modelChanged(ImageEditorModel::Changes changes);
+    void interactionChanged(CanvasInteraction::Changes changes);
+    // Emitted at once, or at the end of the pointer event being handled.
+    void announce(Parts parts);
+    template<typename Handler>
+    void handlePointer(Handler handler);
+
     std::shared_ptr<ImageEditorModel> m_model;
     Services m_services;
     EditorViewport m_viewport;
     CanvasInteraction m_interaction;
     CanvasPointerInput m_pointerInput;
     EditorToolbar m_toolbar;
+    bool m_isHandlingPointer = false;
+    Parts m_pendingParts;
 };
+
+Q_DECLARE_OPERATORS_FOR_FLAGS(ImageEditorView::Parts)

@@ -32,7 +32,7 @@ struct EditorViewFixture
     CanvasInteraction &interaction() { return view.interaction(); }
     CanvasPointerInput &pointer() { return view.pointerInput(); }
 
-    // Where an image pixel is on the canvas, with the canvas as it is when no drag runs.
+    // Where an image pixel is on the canvas.
     QPointF at(double x, double y) const
     {
         return viewportgeometry::convertToViewPoint(QPointF(x, y) / model->image().devicePixelRatio(),
@@ -43,10 +43,10 @@ struct EditorViewFixture
     // A press, moves through each point, and a release at the last: all in view points.
     void drag(const QList<QPointF> &path)
     {
-        pointer().pointerPressed(path.first());
+        view.pointerPressed(path.first());
         for (qsizetype i = 1; i < path.size(); ++i)
-            pointer().pointerMoved(path.at(i));
-        pointer().pointerReleased(path.last());
+            view.pointerMoved(path.at(i));
+        view.pointerReleased(path.last());
     }
     void click(QPointF point) { drag({point}); }
 
@@ -59,7 +59,7 @@ struct EditorViewFixture
         return model->overlays().last();
     }
 
-    // An overlay put straight into the document, as drawn from `start` to `end`, without history.
+    // An overlay put straight into the document, as drawn from `start` to `end` (one undo step).
     Overlay place(EditorTool tool, QPointF start, QPointF end)
     {
         const Overlay overlay = model->makeOverlay(tool, start, end, Qt::red, QString());
