@@ -31,19 +31,12 @@ const QString loginCaption = u"自動起動アプリケーションとして登�
 
 struct Fixture
 {
-    explicit Fixture(std::optional<QString> updatesUnavailable = std::nullopt) : unavailable(updatesUnavailable) {}
-
     FakeKeyValueStore store;
     FakeLoginItemService loginItem;
     FakeSystemLog systemLog;
     AppSettings settings{store, loginItem, systemLog};
     FakeFolderChooser chooser;
-    std::optional<QString> unavailable;
-    FakeSoftwareUpdater updater = [this] {
-        FakeSoftwareUpdater updater;
-        updater.reason = unavailable;
-        return updater;
-    }();
+    FakeSoftwareUpdater updater;
     FakeApplicationControl application;
     SoftwareUpdaterModel updaterModel{updater, application, false};
     QtSettingsWindow window{{settings, chooser, updaterModel, {u"1.2.0"_s, std::nullopt}, loginCaption}};
@@ -76,7 +69,6 @@ private slots:
     void savingSection();
     void editorAndLoginToggles();
     void updateSection();
-    void updatesUnavailableAreExplained();
     void closingHidesAndControlQCloses();
     void framesInTheGlobalSpace();
 };
@@ -145,8 +137,6 @@ void QtSettingsWindowTest::savingSection()
     QCOMPARE(f.settings.filenamePrefix(), u"VistrelShot"_s);
     f.settings.setFilenamePrefix(u"Elsewhere"_s);
     QCOMPARE(f.form().prefixField()->text(), u"Elsewhere"_s);
-    f.form().includeDateToggle()->click();
-    QVERIFY(!f.settings.includeDate());
 
     QLineEdit *folder = f.form().folderField();
     folder->clear();
@@ -217,17 +207,6 @@ void QtSettingsWindowTest::updateSection()
     QCOMPARE(section->lastCheckLabel()->text(), updatesection::lastCheckDescription(f.updater.lastCheck));
     section->checkNowButton()->click();
     QCOMPARE(f.application.activateCount, 1);
-}
-
-void QtSettingsWindowTest::updatesUnavailableAreExplained()
-{
-    Fixture f{u"このビルドにはアップデートの配信元が設定されていないため、アップデートを確認できません。"_s};
-    f.widget().show();
-    UpdateSettingsSection *section = f.form().updateSection();
-    QVERIFY(!section->checkNowButton()->isEnabled());
-    QVERIFY(!section->automaticToggle()->isEnabled());
-    QVERIFY(section->unavailableCaption()->isVisible());
-    QCOMPARE(section->unavailableCaption()->text(), *f.updater.reason);
 }
 
 void QtSettingsWindowTest::closingHidesAndControlQCloses()
