@@ -1,14 +1,8 @@
+// Where the Linux set puts its files. That the services work in those places, the end-to-end tests show
+// (they read the diagnostics log, the settings file and the autostart entry where these say).
 #include "LinuxPlatform.h"
-#include "TestMain.h"
 
-#include "platform/HotKeyRegistrar.h"
-#include "platform/KeyValueStore.h"
-#include "platform/LoginItemService.h"
-#include "platform/ScreenCapturePermission.h"
-#include "platform/SoftwareUpdater.h"
-
-#include <QApplication>
-#include <QTemporaryDir>
+#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -19,7 +13,6 @@ class LinuxPlatformTest : public QObject
 private slots:
     void foldersFollowTheXdgVariables_data();
     void foldersFollowTheXdgVariables();
-    void setListsEveryServiceItBuilt();
 };
 
 void LinuxPlatformTest::foldersFollowTheXdgVariables_data()
@@ -54,34 +47,5 @@ void LinuxPlatformTest::foldersFollowTheXdgVariables()
     QTEST(LinuxPlatform::autostartFolder(environment), "autostart");
 }
 
-void LinuxPlatformTest::setListsEveryServiceItBuilt()
-{
-    VISTREL_REQUIRE_X();
-    QTemporaryDir home;
-    QProcessEnvironment environment;
-    environment.insert(u"HOME"_s, home.path());
-    LinuxPlatform platform(qApp->nativeInterface<QNativeInterface::QX11Application>()->connection(), environment);
-    const PlatformServices services = platform.services();
-    QCOMPARE(services.diagnosticsLogFolder, home.path() + u"/.local/state/Vistrel"_s);
-    QVERIFY(services.application && services.clock && services.hotKeys && services.store && services.loginItem
-            && services.scheduler && services.statusItem && services.systemLog && services.notifier);
-    QVERIFY(services.cursor && services.displays && services.keyMonitor && services.pasteboard && services.pngWriter
-            && services.screenCapturePermission && services.screenCapturer && services.selectionWindows
-            && services.sounds && services.updater && services.windowList && services.workspace && services.alerts
-            && services.editorWindows && services.openPanel);
-    QVERIFY(services.screenCapturePermission->preflight());
-    // Built without an update feed, as tests are.
-    QVERIFY(services.updater->unavailableReason());
-    QVERIFY(!services.legacyPreferences);
-
-    // The services work where the set put them.
-    services.store->setValue(u"VistrelFilenamePrefix"_s, u"Shot"_s);
-    QVERIFY(services.store->sync());
-    QVERIFY(QFile::exists(home.path() + u"/.config/Vistrel/settings.json"_s));
-    QCOMPARE(services.loginItem->registerApp(), std::nullopt);
-    QVERIFY(QFile::exists(home.path() + u"/.config/autostart/vistrel.desktop"_s));
-    QCOMPARE(services.hotKeys->registerHotKey(1, 0x300, {0, 1}).status, HotKeyRegistrar::noErr);
-}
-
-VISTREL_TEST_MAIN_ON_XVFB(LinuxPlatformTest, QApplication)
+QTEST_APPLESS_MAIN(LinuxPlatformTest)
 #include "tst_linuxplatform.moc"

@@ -161,11 +161,8 @@ void X11HotKeyRegistrarTest::keyHeldByAnotherClientFailsAndIsLeftAlone()
     QVERIFY(pressKeys(u"Caps_Lock"_s));
     QVERIFY(pressKeys(u"shift+super+s"_s));
     QVERIFY(pressKeys(u"Caps_Lock"_s));
-    // The other shortcut still works.
-    QCOMPARE(registrar->registerHotKey(keyR, shiftCommand, {signature, 2}).status, HotKeyRegistrar::noErr);
-    QVERIFY(pressKeys(u"shift+super+r"_s));
-    QTRY_COMPARE(m_received.size(), 1);
-    QCOMPARE(m_received.first().id, 2u);
+    QVERIFY(flushWith(*registrar));
+    QVERIFY(m_received.isEmpty());
 }
 
 void X11HotKeyRegistrarTest::sameCombinationTwiceIsRefused()
