@@ -169,9 +169,9 @@ void CaptureExecutionTest::screenWithoutIDGoesStraightToTheDesktopRectangle()
     QVERIFY(!f.state.lastSelectionRegion);
 }
 
+// The same attempts serve the repeat capture, under its own prefix (see the repeat capture's outcomes).
 void CaptureExecutionTest::attempts_data()
 {
-    QTest::addColumn<QString>("prefix");
     QTest::addColumn<bool>("hasID");
     QTest::addColumn<std::optional<QString>>("listError");
     QTest::addColumn<bool>("listed");
@@ -184,40 +184,32 @@ void CaptureExecutionTest::attempts_data()
     const Outcomes none;
     const Outcomes failsWithError{{QImage(), u"stream stopped"_s}};
     const Outcomes failsSilently{{QImage(), std::nullopt}};
-    const QString local = u"localRect={{10, 20}, {100, 50}}"_s;
-    for (const QString &prefix : {u"capture"_s, u"repeat capture"_s}) {
-        const QByteArray tag = prefix.toUtf8() + ": ";
-        auto row = [&tag](const char *name) -> QTestData & { return QTest::newRow(QByteArray(tag + name).constData()); };
-        row("the display capture works")
-            << prefix << true << std::optional<QString>() << true << none << none << QStringList{} << QSize(200, 100);
-        row("display capture fails, then the desktop rectangle")
-            << prefix << true << std::optional<QString>() << true << failsWithError << none
-            << QStringList{prefix + u" display-filter capture failed display=1 "_s + local + u" error=stream stopped"_s}
-            << QSize(100, 50);
-        row("display not listed")
-            << prefix << true << std::optional<QString>() << false << none << none
-            << QStringList{prefix + u" display-filter capture failed display=1 "_s + local + u" error=nil"_s}
-            << QSize(100, 50);
-        row("display list unavailable")
-            << prefix << true << std::optional<QString>(u"no content"_s) << true << none << none
-            << QStringList{prefix + u" display-filter capture failed display=1 "_s + local + u" error=no content"_s}
-            << QSize(100, 50);
-        row("both fail")
-            << prefix << true << std::optional<QString>() << true << failsSilently << failsWithError
-            << QStringList{prefix + u" display-filter capture failed display=1 "_s + local + u" error=nil"_s,
-                           prefix + u" global-rect capture failed rect={{10, 830}, {100, 50}} error=stream stopped"_s}
-            << QSize(0, 0);
-        row("no display id")
-            << prefix << false << std::optional<QString>() << true << none << failsSilently
-            << QStringList{prefix + u" displayID unavailable, falling back to global rect={{10, 830}, {100, 50}}"_s,
-                           prefix + u" global-rect capture failed rect={{10, 830}, {100, 50}} error=nil"_s}
-            << QSize(0, 0);
-    }
+    const QString filterFailed =
+        u"capture display-filter capture failed display=1 localRect={{10, 20}, {100, 50}} error="_s;
+    const QString rectFailed = u"capture global-rect capture failed rect={{10, 830}, {100, 50}} error="_s;
+    QTest::newRow("the display capture works")
+        << true << std::optional<QString>() << true << none << none << QStringList{} << QSize(200, 100);
+    QTest::newRow("display capture fails, then the desktop rectangle")
+        << true << std::optional<QString>() << true << failsWithError << none
+        << QStringList{filterFailed + u"stream stopped"_s} << QSize(100, 50);
+    QTest::newRow("display not listed")
+        << true << std::optional<QString>() << false << none << none << QStringList{filterFailed + u"nil"_s}
+        << QSize(100, 50);
+    QTest::newRow("display list unavailable")
+        << true << std::optional<QString>(u"no content"_s) << true << none << none
+        << QStringList{filterFailed + u"no content"_s} << QSize(100, 50);
+    QTest::newRow("both fail")
+        << true << std::optional<QString>() << true << failsSilently << failsWithError
+        << QStringList{filterFailed + u"nil"_s, rectFailed + u"stream stopped"_s} << QSize(0, 0);
+    QTest::newRow("no display id")
+        << false << std::optional<QString>() << true << none << failsSilently
+        << QStringList{u"capture displayID unavailable, falling back to global rect={{10, 830}, {100, 50}}"_s,
+                       rectFailed + u"nil"_s}
+        << QSize(0, 0);
 }
 
 void CaptureExecutionTest::attempts()
 {
-    QFETCH(QString, prefix);
     QFETCH(bool, hasID);
     QFETCH(std::optional<QString>, listError);
     QFETCH(bool, listed);
@@ -235,7 +227,7 @@ void CaptureExecutionTest::attempts()
 
     std::optional<QImage> result;
     f.parts.attempts.performCaptureAttempts(hasID ? std::optional<quint32>(1) : std::nullopt, Rect(10, 20, 100, 50),
-                                            primary.frame, 2, prefix, [&](QImage image) { result = image; });
+                                            primary.frame, 2, u"capture"_s, [&](QImage image) { result = image; });
     QVERIFY(!result); // completions arrive through the main thread's queue
     f.scheduler.runUntilIdle();
     QVERIFY(result);
