@@ -29,8 +29,9 @@ class WindowList;
 class Workspace;
 
 // The set of OS services of the running application. main() builds the set for its system and installs
-// it once, before the first process-wide instance (Type::shared()) is made; those instances take their
-// services from here. Tests never install it: they build their own instances with fakes.
+// it once, before the first process-wide instance (Type::shared()) is made; those instances, built in
+// app/SharedInstances.cpp, take their services from here. Tests never install it: they build their own
+// instances with fakes.
 //
 // The services are owned by main() and outlive every instance built from them.
 struct PlatformServices
