@@ -14,8 +14,8 @@ class AppSettings;
 //
 // Idle: no phase. Preparing: from an accepted start until the overlay shows (or permission is refused).
 // Selecting: the overlay is up. Capturing: from a capture request until its image is handled or it is
-// abandoned; it overlaps Selecting while the overlay is being closed, and stays with it when a request
-// is abandoned before the overlay left. The phases change only through the operations below.
+// abandoned. Capturing overlaps Selecting from the request until the overlay is closed, or until a
+// request abandoned with the overlay still up ends. The phases change only through the operations below.
 struct CaptureState
 {
     CaptureState(AppSettings &appSettings, SelectionWindowFactory &windowFactory)
