@@ -232,6 +232,15 @@ void SelectionSessionTest::poolGrowsAndOrdersOutExtraWindows()
     QVERIFY(!f.window(1)->isVisible);
     QVERIFY(!f.window(2)->isVisible);
     QCOMPARE(f.view(0), firstView);
+    // Nor do they take the pointer: a press where the second display was stays with the shown window,
+    // and once the overlay is closed no window takes any.
+    SelectionPointerRouter &router = f.state.selectionWindows.router();
+    router.route(*f.view(0), SelectionPointerRouter::Kind::Press, QPointF(secondary.frame.midX(), secondary.frame.midY()), true);
+    QVERIFY(f.view(0)->startPoint() && !f.view(1)->startPoint());
+    f.session.cancelSelection();
+    router.route(*f.view(0), SelectionPointerRouter::Kind::Press, QPointF(third.frame.midX(), third.frame.midY()), true);
+    QVERIFY(!f.view(0)->startPoint());
+    QCOMPARE(f.cursor.hiddenLevel(), 0);
 }
 
 void SelectionSessionTest::escapeMonitorIsInstalledOnceAndRemovedOnClose()

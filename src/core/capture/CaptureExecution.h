@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/CaptureRecords.h"
+#include "capture/CaptureRequests.h"
 #include "geometry/Rect.h"
 
 #include <QImage>
@@ -19,7 +20,7 @@ struct CaptureState;
 // Turns a rectangle chosen in a selection window into an image: aligned to the display's pixels, cut
 // from the frozen image of the display when there is one, otherwise taken live once the overlay has
 // left the screen; or the window under the pointer. Main thread.
-class CaptureExecution final
+class CaptureExecution final : public CaptureRequests
 {
 public:
     // Time for the overlay to leave the screen before a live capture.
@@ -30,9 +31,9 @@ public:
                      const WindowUnderCursor &windowUnderCursor);
 
     // `rect` is in the window's own coordinates.
-    void capture(const Rect &rect, SelectionWindow *window);
+    void capture(const Rect &rect, SelectionWindow *window) override;
     // The window under the pointer, cut to its display's overlay; a beep when there is none.
-    void captureWindowUnderCursor();
+    void captureWindowUnderCursor() override;
 
 private:
     struct Target

@@ -9,7 +9,8 @@ CaptureParts::CaptureParts(const CaptureServices &services)
       attempts(services),
       freezer(services, attempts),
       saver(services),
-      session(state, services, permission, freezer, *this),
+      // The executor is made further down; the session only keeps it for the captures to come.
+      session(state, services, permission, freezer, execution),
       windowUnderCursor(state, services),
       execution(state, services, session, permission, attempts, saver, windowUnderCursor),
       repeat(state, services, permission, attempts, saver)

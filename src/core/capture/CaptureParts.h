@@ -8,27 +8,20 @@
 #include "capture/PermissionGate.h"
 #include "capture/RepeatCapture.h"
 #include "capture/SelectionSession.h"
-#include "capture/SelectionViewDelegate.h"
 #include "capture/WindowUnderCursor.h"
 
 struct CaptureServices;
 
 // The parts of the capture flow over one shared state, wired to one another. The screenshot manager
-// owns the application's set; tests build theirs on fakes and drive the parts directly. It passes on
-// what the selection views report, and follows display changes. Main thread only.
-struct CaptureParts final : SelectionViewDelegate
+// owns the application's set; tests build theirs on fakes and drive the parts directly. It follows
+// display changes. Main thread only.
+struct CaptureParts final
 {
     // `services` outlives the parts.
     explicit CaptureParts(const CaptureServices &services);
 
     CaptureParts(const CaptureParts &) = delete;
     CaptureParts &operator=(const CaptureParts &) = delete;
-
-    void capture(const Rect &rect, SelectionWindow *window) override { execution.capture(rect, window); }
-    void captureWindowUnderCursor() override { execution.captureWindowUnderCursor(); }
-    void cancelSelection() override { session.cancelSelection(); }
-    void selectionCursorDidHide() override { session.selectionCursorDidHide(); }
-    void selectionCursorDidRestore() override { session.selectionCursorDidRestore(); }
 
     CaptureState state;
     PermissionGate permission;

@@ -6,8 +6,9 @@
 
 void SelectionPointerRouter::route(const SelectionView &receiver, Kind kind, QPointF global, bool buttonHeld)
 {
+    // Input that reaches a window after the overlay closed (or that was never shown) is late: dropped.
     const int from = m_pool.indexOfView(&receiver);
-    if (from < 0)
+    if (from < 0 || from >= m_pool.shownCount())
         return;
     int target = from;
     if (kind == Kind::Press) {

@@ -21,6 +21,7 @@ public:
     explicit SelectionPointerRouter(const SelectionWindowPool &pool) : m_pool(pool) {}
 
     // `receiver` is the view of the window the event reached; `buttonHeld` tells a drag from a move.
+    // Events at windows not shown now are dropped.
     void route(const SelectionView &receiver, Kind kind, QPointF global, bool buttonHeld);
     // Forgets a drag in progress: the windows were shown again or closed.
     void reset() { m_dragOwner.reset(); }

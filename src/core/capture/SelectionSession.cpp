@@ -2,6 +2,7 @@
 
 #include "platform/DiagnosticsLog.h"
 #include "capture/CaptureGeometry.h"
+#include "capture/CaptureRequests.h"
 #include "capture/CaptureServices.h"
 #include "capture/CaptureState.h"
 #include "capture/DisplayFreezer.h"
@@ -18,9 +19,8 @@
 using namespace Qt::StringLiterals;
 
 SelectionSession::SelectionSession(CaptureState &state, const CaptureServices &services, PermissionGate &permission,
-                                   DisplayFreezer &freezer, SelectionViewDelegate &viewDelegate)
-    : m_state(state), m_services(services), m_permission(permission), m_freezer(freezer),
-      m_viewDelegate(viewDelegate)
+                                   DisplayFreezer &freezer, CaptureRequests &captures)
+    : m_state(state), m_services(services), m_permission(permission), m_freezer(freezer), m_captures(captures)
 {
 }
 
@@ -97,6 +97,7 @@ void SelectionSession::showSelectionWindow()
         presentWindow(i, screens.at(i));
     for (int i = int(screens.size()); i < pool.size(); ++i)
         pool.at(i).window->orderOut();
+    pool.setShownCount(int(screens.size()));
     m_liveBackgrounds.clear();
 }
 
@@ -109,9 +110,9 @@ void SelectionSession::presentWindow(int index, const DisplayInfo &screen)
     const Rect viewFrame = capturegeometry::localBounds(screen.frame);
     if (SelectionView *view = pool.at(index).view.get()) {
         view->setFrame(viewFrame);
-        view->setDelegate(&m_viewDelegate);
+        view->setDelegate(this);
     } else {
-        pool.setView(index, std::make_unique<SelectionView>(viewFrame, &m_viewDelegate, m_services.cursor,
+        pool.setView(index, std::make_unique<SelectionView>(viewFrame, this, m_services.cursor,
                                                             m_services.displays));
     }
     SelectionView &view = *pool.at(index).view;
@@ -173,6 +174,7 @@ void SelectionSession::closeSelectionWindows(bool keepFrozenImages, bool restore
         }
         entry.window->orderOut();
     }
+    m_state.selectionWindows.setShownCount(0);
     if (!keepFrozenImages)
         m_state.frozenDisplaySnapshots.clear();
     m_state.endSelecting();
@@ -181,6 +183,16 @@ void SelectionSession::closeSelectionWindows(bool keepFrozenImages, bool restore
 void SelectionSession::cancelSelection()
 {
     closeSelectionWindows(false, true);
+}
+
+void SelectionSession::capture(const Rect &rect, SelectionWindow *window)
+{
+    m_captures.capture(rect, window);
+}
+
+void SelectionSession::captureWindowUnderCursor()
+{
+    m_captures.captureWindowUnderCursor();
 }
 
 void SelectionSession::selectionCursorDidHide()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "capture/SelectionViewDelegate.h"
 #include "platform/DisplayProvider.h"
 
 #include <QImage>
@@ -9,20 +10,21 @@
 
 #include <functional>
 
+class CaptureRequests;
 class DisplayFreezer;
 class PermissionGate;
-class SelectionViewDelegate;
 struct CaptureServices;
 struct CaptureState;
 
 // The interactive selection from its start to the closing of the overlay: the permission check, the
 // freezing of the displays, one overlay window per display, Escape, the pointer's visibility, and the
-// reaction to display changes. Main thread.
-class SelectionSession final
+// reaction to display changes. It is its views' delegate: a cancel or the pointer's visibility is its
+// own business, and what the user picked goes on to `captures`. Main thread.
+class SelectionSession final : public SelectionViewDelegate
 {
 public:
     SelectionSession(CaptureState &state, const CaptureServices &services, PermissionGate &permission,
-                     DisplayFreezer &freezer, SelectionViewDelegate &viewDelegate);
+                     DisplayFreezer &freezer, CaptureRequests &captures);
 
     // Ignored while a selection or capture is under way.
     void startSelection();
@@ -31,10 +33,12 @@ public:
     void installSelectionEscapeMonitorIfNeeded();
     void removeSelectionEscapeMonitorIfNeeded();
     void closeSelectionWindows(bool keepFrozenImages, bool restoreCursor);
-    void cancelSelection();
+    void cancelSelection() override;
 
-    void selectionCursorDidHide();
-    void selectionCursorDidRestore();
+    void capture(const Rect &rect, SelectionWindow *window) override;
+    void captureWindowUnderCursor() override;
+    void selectionCursorDidHide() override;
+    void selectionCursorDidRestore() override;
     // Every view shows the pointer again, and any hide still owed is balanced.
     void restoreSelectionCursorIfNeeded();
 
@@ -51,7 +55,7 @@ private:
     const CaptureServices &m_services;
     PermissionGate &m_permission;
     DisplayFreezer &m_freezer;
-    SelectionViewDelegate &m_viewDelegate;
+    CaptureRequests &m_captures;
     // What the displays whose freeze failed showed just before the overlay, until it is shown.
     QMap<quint32, QImage> m_liveBackgrounds;
 };

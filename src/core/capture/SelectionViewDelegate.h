@@ -4,7 +4,7 @@
 
 class SelectionWindow;
 
-// What a selection view reports to the capture controller. Main thread.
+// What a selection view reports to the selection session that shows it. Main thread.
 class SelectionViewDelegate
 {
 public:
