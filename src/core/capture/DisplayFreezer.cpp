@@ -6,7 +6,6 @@
 #include "capture/CaptureServices.h"
 #include "geometry/TraceFormat.h"
 #include "platform/DisplayProvider.h"
-#include "platform/Scheduler.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,8 +17,9 @@ void DisplayFreezer::captureFrozenDisplayImages(std::function<void(Snapshots)> c
         if (screen.id)
             run->targets.append({*screen.id, screen.frame, screen.backingScale});
     }
+    // Nothing to take: no count is traced, as none was taken.
     if (run->targets.isEmpty()) {
-        m_services.scheduler.postToMain([run] { run->completion({}); });
+        run->completion({});
         return;
     }
     captureNext(run);

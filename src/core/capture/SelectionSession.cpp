@@ -11,7 +11,6 @@
 #include "geometry/TraceFormat.h"
 #include "platform/Cursor.h"
 #include "platform/KeyEventMonitor.h"
-#include "platform/Scheduler.h"
 #include "platform/SelectionWindow.h"
 
 #include <QStringList>
@@ -25,11 +24,6 @@ SelectionSession::SelectionSession(CaptureState &state, const CaptureServices &s
 }
 
 void SelectionSession::startSelection()
-{
-    m_services.scheduler.postToMain([this] { beginSelection(); });
-}
-
-void SelectionSession::beginSelection()
 {
     if (m_state.isBusy())
         return;

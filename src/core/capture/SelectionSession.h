@@ -47,7 +47,6 @@ public:
     static QString layoutDescription(const QList<DisplayInfo> &screens);
 
 private:
-    void beginSelection();
     void readLiveBackgrounds(std::function<void()> completion);
     void presentWindow(int index, const DisplayInfo &screen);
 
