@@ -113,15 +113,15 @@ void CanvasDrawingTest::dragDrawsOneOverlayOfTheTool()
 void CanvasDrawingTest::overlayBeingDrawnIsNotInTheDocumentUntilReleased()
 {
     EditorViewFixture f;
-    f.pointer().pointerPressed(f.at(10, 10));
-    f.pointer().pointerMoved(f.at(50, 50));
+    f.view.pointerPressed(f.at(10, 10));
+    f.view.pointerMoved(f.at(50, 50));
     QVERIFY(f.interaction().activeOverlay());
     QCOMPARE(f.interaction().activeOverlay()->endPoint, QPointF(50, 50));
     QVERIFY(f.model->overlays().isEmpty());
     QVERIFY(!f.model->canUndo());
     // A cancelled drag adds nothing, even when a release follows.
-    f.pointer().pointerCancelled();
-    f.pointer().pointerReleased(f.at(50, 50));
+    f.view.pointerCancelled();
+    f.view.pointerReleased(f.at(50, 50));
     QVERIFY(f.model->overlays().isEmpty());
     QVERIFY(!f.interaction().activeOverlay());
     QVERIFY(!f.model->canUndo());
@@ -173,16 +173,16 @@ void CanvasDrawingTest::freehandTakesPointsFarEnoughApart()
 {
     EditorViewFixture f;
     f.model->setSelectedTool(EditorTool::Freehand);
-    f.pointer().pointerPressed(f.at(0, 0));
-    f.pointer().pointerMoved(f.at(1, 0)); // the stroke starts with the press and this point
-    f.pointer().pointerMoved(f.at(2, 0)); // 1.0 from the last point
-    f.pointer().pointerMoved(f.at(2.4, 0)); // 1.4
-    f.pointer().pointerMoved(f.at(2.5, 0)); // 1.5
-    f.pointer().pointerMoved(f.at(3.5, 0)); // 1.0
+    f.view.pointerPressed(f.at(0, 0));
+    f.view.pointerMoved(f.at(1, 0)); // the stroke starts with the press and this point
+    f.view.pointerMoved(f.at(2, 0)); // 1.0 from the last point
+    f.view.pointerMoved(f.at(2.4, 0)); // 1.4
+    f.view.pointerMoved(f.at(2.5, 0)); // 1.5
+    f.view.pointerMoved(f.at(3.5, 0)); // 1.0
     QCOMPARE(f.interaction().activeOverlay()->points, (QList<QPointF>{{0, 0}, {1, 0}, {2.5, 0}}));
     QCOMPARE(f.interaction().activeOverlay()->endPoint, QPointF(3.5, 0));
     // At the end 1.0 is enough.
-    f.pointer().pointerReleased(f.at(3.5, 0));
+    f.view.pointerReleased(f.at(3.5, 0));
     QCOMPARE(f.model->overlays().first().points, (QList<QPointF>{{0, 0}, {1, 0}, {2.5, 0}, {3.5, 0}}));
 
     f.drag({f.at(50, 50), f.at(60, 50), f.at(60.9, 50)});

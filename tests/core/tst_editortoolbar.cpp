@@ -12,8 +12,6 @@
 using namespace Qt::StringLiterals;
 using namespace editorstyle;
 
-using Control = std::function<void(EditorToolbar &toolbar, const Overlay &selected)>;
-Q_DECLARE_METATYPE(Control)
 using Setup = std::function<void(EditorViewFixture &f)>;
 Q_DECLARE_METATYPE(Setup)
 enum class Action { Undo, Redo, Delete };
@@ -51,12 +49,9 @@ private slots:
     void colourIsStoredAsFourComponentsAndReachesDisk();
     void sameColor_data();
     void sameColor();
-    void styleChangesOnTheSelectedOverlay_data();
-    void styleChangesOnTheSelectedOverlay();
     void styleChangesWithoutSelectionOnlySetNewStyles();
     void opacityReachesTheSelectionTheSliderAndTheSwatches();
     void fontBindingsFollowTheSelection();
-    void textIsOneUndoStepPerChange();
     void actionStatesFollowTheDocument();
     void disabledActionsChangeNothing_data();
     void disabledActionsChangeNothing();
@@ -176,36 +171,6 @@ void EditorToolbarTest::sameColor()
     QCOMPARE(EditorToolbar::sameColor(b, a), same);
 }
 
-void EditorToolbarTest::styleChangesOnTheSelectedOverlay_data()
-{
-    QTest::addColumn<Control>("control");
-    QTest::addColumn<bool>("changes");
-    QTest::newRow("another colour") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedColor(systemcolors::systemBlue()); }) << true;
-    QTest::newRow("the colour in use") << Control([](EditorToolbar &t, const Overlay &o) { t.setSelectedColor(o.color); }) << false;
-    QTest::newRow("another fill") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedTextFillColor(systemcolors::systemYellow()); }) << true;
-    QTest::newRow("the fill in use") << Control([](EditorToolbar &t, const Overlay &o) { t.setSelectedTextFillColor(o.textFillColor); }) << false;
-    QTest::newRow("another opacity") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedTextFillOpacity(0.4); }) << true;
-    QTest::newRow("the opacity in use") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedTextFillOpacity(1.04); }) << false;
-    QTest::newRow("another font") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedFontFamily(u"Serif"_s); }) << true;
-    QTest::newRow("the font in use") << Control([](EditorToolbar &t, const Overlay &o) { t.setSelectedFontFamily(o.fontFamily); }) << false;
-    QTest::newRow("another size") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedFontSize(24); }) << true;
-    QTest::newRow("a size clamped to the one in use") << Control([](EditorToolbar &t, const Overlay &) { t.setSelectedFontSize(400); }) << false;
-}
-
-void EditorToolbarTest::styleChangesOnTheSelectedOverlay()
-{
-    QFETCH(Control, control);
-    QFETCH(bool, changes);
-    EditorViewFixture f;
-    f.model->setSelectedTextFontSize(160);
-    const Overlay box = f.add(EditorTool::Text, {10, 10}, {10, 10});
-    control(f.view.toolbar(), box);
-    QCOMPARE(f.undoSteps(), changes ? 2 : 1);
-    QCOMPARE(f.model->overlays().first() != box, changes);
-    f.model->undoLastAction();
-    QCOMPARE(f.model->overlays(), changes ? QList{box} : QList<Overlay>());
-}
-
 void EditorToolbarTest::styleChangesWithoutSelectionOnlySetNewStyles()
 {
     EditorViewFixture f;
@@ -270,24 +235,6 @@ void EditorToolbarTest::fontBindingsFollowTheSelection()
     QCOMPARE(toolbar.selectedFontSize(), 12.0);
     QCOMPARE(toolbar.selectedFontFamily(), u"Mono"_s);
     QCOMPARE(f.model->overlays().first(), box);
-}
-
-void EditorToolbarTest::textIsOneUndoStepPerChange()
-{
-    EditorViewFixture f;
-    const Overlay box = f.add(EditorTool::Text, {10, 10}, {10, 10});
-    EditorToolbar &toolbar = f.view.toolbar();
-    QCOMPARE(toolbar.text(box.id), u"テキスト"_s);
-    toolbar.setText(box.id, u"テキスト"_s);
-    QCOMPARE(f.undoSteps(), 1);
-    toolbar.setText(box.id, u"注意"_s);
-    toolbar.setText(box.id, u"注意!"_s);
-    QCOMPARE(f.undoSteps(), 3);
-    QCOMPARE(f.view.textFields().first().text, u"注意!"_s);
-    f.model->undoLastAction();
-    QCOMPARE(toolbar.text(box.id), u"注意"_s);
-    toolbar.setText(QUuid::createUuid(), u"lost"_s);
-    QCOMPARE(f.undoSteps(), 2);
 }
 
 void EditorToolbarTest::actionStatesFollowTheDocument()

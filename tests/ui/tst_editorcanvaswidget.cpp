@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QSlider>
 #include <QToolButton>
 
@@ -26,7 +27,8 @@ private slots:
     void canvasFollowsTheZoom();
     void opensCentredOnTheImage();
     void showsWhatTheViewPaintsWhereverItIsScrolled();
-    void editModeMovesWithTheRealPointer();
+    void releaseIsOneRedraw_data();
+    void releaseIsOneRedraw();
     void textBoxTakesTypingAndFollowsZoom();
     void japaneseComposesThroughTheInputMethod();
 };
@@ -118,19 +120,56 @@ void EditorCanvasWidgetTest::showsWhatTheViewPaintsWhereverItIsScrolled()
     QCOMPARE(window.copy(visible), expected.copy(visible.translated(-canvasOrigin)));
 }
 
-void EditorCanvasWidgetTest::editModeMovesWithTheRealPointer()
+void EditorCanvasWidgetTest::releaseIsOneRedraw_data()
 {
+    QTest::addColumn<bool>("drawMode");
+    QTest::addColumn<QList<QPointF>>("path"); // image points, over a box from (100, 50) to (300, 250)
+    QTest::addColumn<QRectF>("box"); // the box after the release
+    QTest::addColumn<int>("steps");
+    QTest::addColumn<int>("canvasSyncs"); // of size, text fields and painting
+    QTest::addColumn<int>("toolbarRefreshes");
+    const QRectF box(100, 50, 200, 200);
+    QTest::newRow("end of a rectangle drag") << true << QList<QPointF>{{20, 20}, {40, 30}, {60, 40}} << box << 1 << 1 << 1;
+    // Grabbed by its left edge, far from the corners: 30 right and 20 up.
+    QTest::newRow("end of a move") << false << QList<QPointF>{{100, 150}, {115, 160}, {130, 170}} << box.translated(30, 20)
+                                   << 1 << 1 << 1;
+    QTest::newRow("end of a resize") << false << QList<QPointF>{{300, 250}, {320, 260}, {340, 270}}
+                                     << box.adjusted(0, 0, 40, 20) << 1 << 1 << 1;
+    QTest::newRow("end of a drag back to its press") << false << QList<QPointF>{{100, 150}, {130, 170}, {100, 150}} << box
+                                                     << 0 << 0 << 0;
+    // Only the handles are painted anew, and delete is enabled.
+    QTest::newRow("a tap that selects") << false << QList<QPointF>{{200, 150}} << box << 0 << 0 << 1;
+}
+
+void EditorCanvasWidgetTest::releaseIsOneRedraw()
+{
+    QFETCH(bool, drawMode);
+    QFETCH(QList<QPointF>, path);
+    QFETCH(QRectF, box);
+    QFETCH(int, steps);
+    QFETCH(int, canvasSyncs);
+    QFETCH(int, toolbarRefreshes);
     EditorWidgetFixture f;
     QVERIFY(f.isReady());
     f.drag({{100, 50}, {300, 250}});
-    f.widget.toolbar()->editModeButton()->click();
-    QVERIFY(!f.view->interaction().isDrawMode());
-    // Grab the box by its left edge, far from the corners, and move it 30 right and 20 up.
-    f.drag({{100, 150}, {115, 160}, {130, 170}});
-    const Overlay moved = f.model->overlays().first();
-    QCOMPARE(moved.startPoint, QPointF(130, 70));
-    QCOMPARE(moved.endPoint, QPointF(330, 270));
-    QCOMPARE(f.model->undoStack().size(), 2);
+    if (!drawMode)
+        f.widget.toolbar()->editModeButton()->click();
+    const qsizetype history = f.model->undoStack().size();
+    QTest::mousePress(f.canvas(), Qt::LeftButton, {}, f.at(path.first()));
+    for (qsizetype i = 1; i < path.size(); ++i)
+        QTest::mouseMove(f.canvas(), f.at(path.at(i)));
+    QSignalSpy announced(f.model.get(), &ImageEditorModel::changed);
+    QSignalSpy redrawn(f.view.get(), &ImageEditorView::changed);
+
+    QTest::mouseRelease(f.canvas(), Qt::LeftButton, {}, f.at(path.last()));
+    QCOMPARE(f.model->overlays().first().rect().toQRectF(), box);
+    QCOMPARE(f.model->undoStack().size() - history, steps);
+    QCOMPARE(announced.count(), steps);
+    QVERIFY(redrawn.count() <= 1);
+    using Part = ImageEditorView::Part;
+    const ImageEditorView::Parts parts = redrawn.isEmpty() ? ImageEditorView::Parts() : redrawn.first().first().value<ImageEditorView::Parts>();
+    QCOMPARE(int(parts.testAnyFlags(Part::CanvasContent | Part::CanvasGeometry)), canvasSyncs);
+    QCOMPARE(int(parts.testFlag(Part::Toolbar)), toolbarRefreshes);
 }
 
 void EditorCanvasWidgetTest::textBoxTakesTypingAndFollowsZoom()

@@ -131,7 +131,6 @@ void EditorToolbarWidgetTest::styleControlsRestyleTheSelectedBox()
     EditorToolbarWidget *toolbar = f.widget.toolbar();
     toolbar->toolButton(EditorTool::Text)->click();
     f.drag({{50, 250}});
-    const qsizetype steps = f.model->undoStack().size();
 
     toolbar->fontSizeBox()->setValue(48);
     QCOMPARE(f.model->overlays().first().fontSize, 48.0);
@@ -141,10 +140,6 @@ void EditorToolbarWidgetTest::styleControlsRestyleTheSelectedBox()
     QCOMPARE(f.model->overlays().first().fontFamily, family);
     toolbar->colorSwatches().at(3)->click();
     QVERIFY(EditorToolbar::sameColor(f.model->overlays().first().color, EditorToolbar::presetColors().at(3)));
-    // Each restyle is one step; the chosen colour again is none.
-    QCOMPARE(f.model->undoStack().size(), steps + 3);
-    toolbar->colorSwatches().at(3)->click();
-    QCOMPARE(f.model->undoStack().size(), steps + 3);
     // Undo shows the box as it was in the controls too.
     toolbar->undoButton()->click();
     toolbar->undoButton()->click();

@@ -26,10 +26,10 @@ public:
     // The pointer was taken away (a grab ended, the window lost focus) before its release.
     void pointerCancelled();
 
+private:
     // The overlay a press at `location` reaches in edit mode.
     std::optional<QUuid> overlayAt(QPointF location) const;
 
-private:
     enum class Target { Canvas, Overlay };
     struct Press
     {

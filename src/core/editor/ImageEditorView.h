@@ -79,7 +79,6 @@ public:
     const EditorViewport &viewport() const { return m_viewport; }
     CanvasInteraction &interaction() { return m_interaction; }
     const CanvasInteraction &interaction() const { return m_interaction; }
-    CanvasPointerInput &pointerInput() { return m_pointerInput; }
     EditorToolbar &toolbar() { return m_toolbar; }
     const EditorToolbar &toolbar() const { return m_toolbar; }
 

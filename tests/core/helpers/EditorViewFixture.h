@@ -30,7 +30,6 @@ struct EditorViewFixture
     ImageEditorView view{model, {systemLog, scheduler}};
 
     CanvasInteraction &interaction() { return view.interaction(); }
-    CanvasPointerInput &pointer() { return view.pointerInput(); }
 
     // Where an image pixel is on the canvas.
     QPointF at(double x, double y) const

@@ -90,10 +90,10 @@ int main(int argc, char **argv)
                     QPointF(point.toArray().at(0).toDouble(), point.toArray().at(1).toDouble())));
             if (points.isEmpty())
                 return fail(QStringLiteral("empty drag"));
-            view.pointerInput().pointerPressed(points.first());
+            view.pointerPressed(points.first());
             for (qsizetype i = 1; i < points.size(); ++i)
-                view.pointerInput().pointerMoved(points.at(i));
-            view.pointerInput().pointerReleased(points.last());
+                view.pointerMoved(points.at(i));
+            view.pointerReleased(points.last());
         } else if (step.contains(QStringLiteral("text"))) {
             const std::optional<QUuid> &focused = view.interaction().focusedTextOverlayID();
             if (!focused)
