@@ -1,5 +1,4 @@
 #include "helpers/EditorManagerFixture.h"
-#include "helpers/SaveTrouble.h"
 
 #include "editor/EditedImageSaver.h"
 
@@ -7,7 +6,6 @@
 
 #include <QBuffer>
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QTest>
 
@@ -52,10 +50,9 @@ private slots:
     void savingWithoutSourceCreatesTheCaptureFolder();
     void saveFailures_data();
     void saveFailures();
-    void troubleWhileSavingLeavesNothingAndPasses_data();
-    void troubleWhileSavingLeavesNothingAndPasses();
     void primarySaveReadsTheSourceAtSaveTime();
     void detachedSaveUsesItsOwnSource();
+    void savesEndingAfterTheirWindowChanged();
     void unreadableFileIsAlertedAndLogged();
     void pastingFromTheClipboard_data();
     void pastingFromTheClipboard();
@@ -98,6 +95,7 @@ void EditedImagesTest::savingBesideTheSourceOverwritesAndCopies()
     view->model().appendOverlay(Overlay(EditorTool::Rectangle, QPointF(-12, 4), QPointF(10, 15), Qt::blue, {}, {}));
     const QImage edited = view->model().renderEditedImage();
     view->save();
+    f.scheduler.runBackgroundTasks();
 
     // The file keeps the canvas's alpha channel and every pixel of it, the margin included.
     const QImage written(folder.filePath(u"a.b_edited.png"_s));
@@ -135,6 +133,8 @@ void EditedImagesTest::savingWithoutSourceCreatesTheCaptureFolder()
     f.settings.setIncludeDate(includeDate);
     FakeEditorWindow *window = f.openPasted(EditorManagerFixture::picture());
     window->contentAs<ImageEditorView>()->save();
+    QCOMPARE(window->closeCount, 0); // not before the file is written
+    f.scheduler.runBackgroundTasks();
     QCOMPARE(f.fakeWriter.paths, QStringList{folder + u'/' + expected});
     QVERIFY(QFileInfo(folder).isDir());
     QCOMPARE(window->closeCount, 1);
@@ -151,6 +151,8 @@ void EditedImagesTest::saveFailures_data()
     const std::optional<Kind> writes;
     QTest::newRow("capture folder is a file") << QString() << u"file.txt"_s << false << writes
                                               << noDirectoryMessage + u"%1/file.txt"_s;
+    QTest::newRow("source folder is a file") << u"file.txt/a.png"_s << QString() << false << writes
+                                             << u"Vistrel: 編集画像の保存に失敗しました: Not a directory"_s;
     QTest::newRow("source folder cannot be made") << u"file.txt/sub/a.png"_s << QString() << false << writes
                                                   << u"Vistrel: 編集画像の保存に失敗しました: Not a directory"_s;
     QTest::newRow("no pixels") << u"a.png"_s << QString() << true << writes
@@ -186,55 +188,11 @@ void EditedImagesTest::saveFailures()
         window->contentAs<ImageEditorView>()->onSave(QImage());
     else
         window->contentAs<ImageEditorView>()->save();
+    f.scheduler.runBackgroundTasks();
 
     QCOMPARE(f.systemLog.messages(), QStringList{message.replace(u"%1"_s, f.captureFolder.path())});
     QCOMPARE(window->closeCount, 0);
     QVERIFY(f.pasteboard.contents.isEmpty());
-}
-
-void EditedImagesTest::troubleWhileSavingLeavesNothingAndPasses_data()
-{
-    QTest::addColumn<SaveTrouble::Kind>("trouble");
-    QTest::addColumn<QString>("message"); // %1 is the save folder
-    const QString writeFailed = u"Vistrel: 編集画像PNGの書き込みに失敗しました。"_s;
-    QTest::newRow("file size limit reached midway") << SaveTrouble::Kind::FileSizeLimit << writeFailed;
-    QTest::newRow("disk full midway") << SaveTrouble::Kind::DiskFull << writeFailed;
-    QTest::newRow("folder is a file") << SaveTrouble::Kind::FolderIsAFile << noDirectoryMessage + u"%1"_s;
-    QTest::newRow("folder cannot be created") << SaveTrouble::Kind::FolderNotCreatable
-                                              << u"Vistrel: 編集画像の保存に失敗しました: Not a directory"_s;
-}
-
-// Real files and real failures, for a picture from the clipboard saved into the capture folder: the
-// failure is logged, the window stays open, no file or temporary is left, and saving again once the
-// trouble is gone writes the picture and closes the window.
-void EditedImagesTest::troubleWhileSavingLeavesNothingAndPasses()
-{
-    QFETCH(SaveTrouble::Kind, trouble);
-    QFETCH(QString, message);
-    FastPngWriter writer;
-    EditorManagerFixture f(&writer);
-    const QString root = QFileInfo(f.captureFolder.path()).canonicalFilePath();
-    SaveTrouble cause(trouble, root);
-    if (!cause.skipReason.isEmpty())
-        QSKIP(qPrintable(cause.skipReason));
-    f.settings.setSaveFolderPath(cause.folder);
-    f.settings.setIncludeDate(false);
-    const QImage picture = SaveTrouble::incompressible();
-    FakeEditorWindow *window = f.openPasted(picture);
-    const auto view = window->contentAs<ImageEditorView>();
-
-    view->save();
-    QCOMPARE(f.systemLog.messages(), QStringList{message.replace(u"%1"_s, cause.folder)});
-    QCOMPARE(window->closeCount, 0);
-    QVERIFY(f.pasteboard.contents.isEmpty());
-    for (QDirIterator it(root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); it.hasNext();)
-        QCOMPARE(it.next(), root + u"/file.txt"_s);
-
-    cause.lift();
-    view->save();
-    QCOMPARE(window->closeCount, 1);
-    QCOMPARE(QImage(cause.folder + u"/Vistrel_edited.png"_s).convertToFormat(QImage::Format_RGB32), picture);
-    QCOMPARE(f.systemLog.messages().size(), 1);
 }
 
 void EditedImagesTest::primarySaveReadsTheSourceAtSaveTime()
@@ -249,6 +207,7 @@ void EditedImagesTest::primarySaveReadsTheSourceAtSaveTime()
     f.handOff(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"B.png"_s)));
 
     primary->save();
+    f.scheduler.runBackgroundTasks();
     QCOMPARE(f.fakeWriter.paths, QStringList{f.captureFolder.filePath(u"Vistrel_edited.png"_s)});
     QVERIFY(!f.manager.editorWindow());
 }
@@ -264,9 +223,34 @@ void EditedImagesTest::detachedSaveUsesItsOwnSource()
     f.handOff(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"C.png"_s)));
 
     window->contentAs<ImageEditorView>()->save();
+    f.scheduler.runBackgroundTasks();
     QCOMPARE(f.fakeWriter.paths, QStringList{shots.filePath(u"B_edited.png"_s)});
     QCOMPARE(window->closeCount, 1);
     QVERIFY(f.manager.detachedEditorWindows().isEmpty());
+}
+
+// Pictures are written on a worker. A window closed meanwhile stays closed, and a primary window
+// showing another document by then stays open; the files are written all the same.
+void EditedImagesTest::savesEndingAfterTheirWindowChanged()
+{
+    EditorManagerFixture f;
+    f.settings.setIncludeDate(false);
+    const QDir shots(f.captureFolder.path());
+    FakeEditorWindow *detached = f.openDetached(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"A.png"_s)));
+    FakeEditorWindow *primary = f.primary();
+    detached->contentAs<ImageEditorView>()->save();
+    primary->contentAs<ImageEditorView>()->save();
+    QVERIFY(f.fakeWriter.paths.isEmpty());
+
+    detached->userCloses();
+    f.settings.setKeepExistingEditorWindowOnAutoOpen(false);
+    f.handOff(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"B.png"_s)));
+    f.scheduler.runBackgroundTasks();
+    QCOMPARE(f.fakeWriter.paths,
+             (QStringList{shots.filePath(u"A_edited.png"_s), shots.filePath(u"Vistrel_edited.png"_s)}));
+    QVERIFY(!f.windows.isAlive(detached));
+    QCOMPARE(f.manager.editorWindow(), primary);
+    QCOMPARE(primary->closeCount, 0);
 }
 
 void EditedImagesTest::unreadableFileIsAlertedAndLogged()
@@ -349,6 +333,7 @@ void EditedImagesTest::openPanelOpensTheChosenImage()
     const std::shared_ptr<ImageEditorView> view = f.primary()->contentAs<ImageEditorView>();
     QCOMPARE(view->model().image().size(), QSize(12, 34));
     view->save(); // beside the chosen file
+    f.scheduler.runBackgroundTasks();
     QCOMPARE(f.fakeWriter.paths, QStringList{f.captureFolder.filePath(u"chosen_edited.png"_s)});
 }
 

@@ -133,6 +133,9 @@ void QtEditorWindowTest::saveWritesBesideTheSourceAndCloses()
     QVERIFY(QTest::qWaitForWindowActive(window->widget()));
     QWidget *widget = window->widget();
     f.key(window, Qt::Key_Return);
+    QVERIFY(f.manager.editorWindow()); // until the worker has written the file
+    f.scheduler.runBackgroundTasks();
+    f.settle();
     QCOMPARE(f.fakeWriter.paths, QStringList{f.captureFolder.filePath(u"Shot_edited.png"_s)});
     QCOMPARE(f.pasteboard.writeCount, 1);
     QVERIFY(!f.manager.editorWindow());

@@ -1,64 +1,54 @@
 #include "editor/EditedImageSaver.h"
 
+#include "editor/ImageEditorServices.h"
 #include "output/ClipboardCopy.h"
 #include "output/FileNaming.h"
 #include "platform/Clock.h"
-#include "platform/PngWriter.h"
-#include "platform/SystemLog.h"
 #include "settings/AppSettings.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-
-#include <filesystem>
-#include <system_error>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-std::filesystem::path fileSystemPath(const QString &path)
+// The editor's lines go to the system log only. A folder in the way of a picture saved beside its
+// source reads like any folder that cannot be made; in the capture folder it has a line of its own.
+ImageWriter::Texts editedTexts(bool isBesideSource)
 {
-    return std::filesystem::path(QFile::encodeName(path).toStdString());
+    const ImageWriter::Texts::Lines notSaved{u"Vistrel: 編集画像の保存に失敗しました: {reason}"_s, {}};
+    return {notSaved,
+            isBesideSource ? notSaved : ImageWriter::Texts::Lines{u"Vistrel: 保存先がディレクトリではありません: {path}"_s, {}},
+            {u"Vistrel: 編集画像のCGImage変換に失敗しました。"_s, {}},
+            {u"Vistrel: 編集画像の書き込み先生成に失敗しました。"_s, {}},
+            {u"Vistrel: 編集画像PNGの書き込みに失敗しました。"_s, {}},
+            {}};
 }
 
 } // namespace
 
-EditedImageSaver::EditedImageSaver(const AppSettings &settings, SystemLog &systemLog, Clock &clock,
-                                   const PngWriter &pngWriter, Pasteboard &pasteboard)
-    : m_settings(settings), m_systemLog(systemLog), m_clock(clock), m_pngWriter(pngWriter), m_pasteboard(pasteboard)
+EditedImageSaver::EditedImageSaver(const ImageEditorServices &services)
+    : m_settings(services.settings),
+      m_clock(services.clock),
+      m_pasteboard(services.pasteboard),
+      m_writer({services.pngWriter, services.systemLog, services.diagnostics, services.scheduler})
 {
 }
 
-bool EditedImageSaver::saveEditedImage(const QImage &image, const std::optional<QUrl> &sourceURL) const
+void EditedImageSaver::saveEditedImage(const QImage &image, const std::optional<QUrl> &sourceURL, Completion done)
 {
-    const std::optional<QUrl> destination = makeSaveDestinationURL(sourceURL);
-    if (!destination)
-        return false;
-    const QString path = destination->toLocalFile();
-
-    std::error_code error;
-    std::filesystem::create_directories(fileSystemPath(QFileInfo(path).path()), error);
-    if (error) {
-        m_systemLog.log(u"Vistrel: 編集画像の保存に失敗しました: "_s % QString::fromStdString(error.message()));
-        return false;
-    }
-    if (image.isNull()) {
-        m_systemLog.log(u"Vistrel: 編集画像のCGImage変換に失敗しました。"_s);
-        return false;
-    }
-    if (const std::optional<PngWriter::Failure> failure = m_pngWriter.writeFile(image, path)) {
-        m_systemLog.log(failure->kind == PngWriter::Failure::Kind::CannotCreateDestination
-                            ? u"Vistrel: 編集画像の書き込み先生成に失敗しました。"_s
-                            : u"Vistrel: 編集画像PNGの書き込みに失敗しました。"_s);
-        return false;
-    }
-    clipboardcopy::copyImageToClipboard(m_pasteboard, image);
-    return true;
+    const QFileInfo destination(makeSaveDestinationURL(sourceURL).toLocalFile());
+    ImageWriter::Request request{image, destination.path(), destination.fileName(), editedTexts(sourceURL.has_value())};
+    m_writer.writeInBackground(std::move(request), [this, image, done = std::move(done)](const ImageWriter::Outcome &outcome) {
+        if (!outcome.failure)
+            clipboardcopy::copyImageToClipboard(m_pasteboard, image);
+        if (done)
+            done(!outcome.failure);
+    });
 }
 
-std::optional<QUrl> EditedImageSaver::makeSaveDestinationURL(const std::optional<QUrl> &source) const
+QUrl EditedImageSaver::makeSaveDestinationURL(const std::optional<QUrl> &source) const
 {
     if (source)
         return makeEditedURL(*source);
@@ -75,19 +65,14 @@ QUrl EditedImageSaver::makeEditedURL(const QUrl &source)
     return QUrl::fromLocalFile(QDir(file.path()).filePath(stem % u"_edited.png"_s));
 }
 
-std::optional<QUrl> EditedImageSaver::makeClipboardCaptureStyleURL() const
+QUrl EditedImageSaver::makeClipboardCaptureStyleURL() const
 {
     const QString folder = filenaming::resolvedFolderPath(m_settings.saveFolderPath());
-    const QFileInfo info(folder);
-    if (info.exists() && !info.isDir()) {
-        m_systemLog.log(u"Vistrel: 保存先がディレクトリではありません: "_s % folder);
-        return std::nullopt;
-    }
-    return QUrl::fromLocalFile(QDir(folder).filePath(makeClipboardCaptureStyleFileName(m_settings)));
+    return QUrl::fromLocalFile(QDir(folder).filePath(makeClipboardCaptureStyleFileName()));
 }
 
-QString EditedImageSaver::makeClipboardCaptureStyleFileName(const AppSettings &settings) const
+QString EditedImageSaver::makeClipboardCaptureStyleFileName() const
 {
-    return filenaming::makeBaseName(settings.filenamePrefix(), settings.includeDate(), m_clock.now())
+    return filenaming::makeBaseName(m_settings.filenamePrefix(), m_settings.includeDate(), m_clock.now())
            % u"_edited.png"_s;
 }

@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 
 ImageEditorManager::ImageEditorManager(const ImageEditorServices &services)
     : m_services(services),
-      m_saver(services.settings, services.systemLog, services.clock, services.pngWriter, services.pasteboard),
+      m_saver(services),
       m_sources(services.pasteboard, services.alerts, services.openPanel, services.diagnostics)
 {
 }
@@ -116,8 +116,11 @@ void ImageEditorManager::openDetachedEditorWindow(const std::shared_ptr<ImageEdi
 
     std::shared_ptr<ImageEditorView> view = makeEditorView(model);
     view->onSave = [this, sourceURL, close](const QImage &image) {
-        if (m_saver.saveEditedImage(image, sourceURL))
-            close();
+        // `close` finds nothing to close when the window went while the file was written.
+        m_saver.saveEditedImage(image, sourceURL, [close](bool saved) {
+            if (saved)
+                close();
+        });
     };
     view->onCancel = close;
     window->onQuitShortcut = close;
@@ -160,6 +163,7 @@ void ImageEditorManager::closePrimaryEditor()
 EditorRootView ImageEditorManager::makePrimaryEditorRootView()
 {
     if (!m_model) {
+        m_primaryView.reset();
         auto dropTarget = std::make_shared<EditorDropTargetView>(m_services.scheduler);
         dropTarget->onPickFile = [this] { openImagePanel(); };
         dropTarget->onPasteImage = [this] { openImageFromClipboard(); };
@@ -168,11 +172,16 @@ EditorRootView ImageEditorManager::makePrimaryEditorRootView()
         return dropTarget;
     }
     std::shared_ptr<ImageEditorView> view = makeEditorView(m_model);
-    view->onSave = [this](const QImage &image) {
+    m_primaryView = view;
+    view->onSave = [this, saving = std::weak_ptr(view)](const QImage &image) {
         // The source as it is now: a later capture opened in an extra window has cleared it, and the
         // picture then goes to the capture folder under a capture-style name.
-        if (m_saver.saveEditedImage(image, m_sourceFileURL))
-            closePrimaryEditor();
+        m_saver.saveEditedImage(image, m_sourceFileURL, [this, saving](bool saved) {
+            // The primary window may show another document, or none, by the time the file is written.
+            const std::shared_ptr<ImageEditorView> savingView = saving.lock();
+            if (saved && savingView && m_primaryView.lock() == savingView)
+                closePrimaryEditor();
+        });
     };
     view->onCancel = [this] { closePrimaryEditor(); };
     return view;

@@ -21,7 +21,8 @@ class ImageEditorModel;
 // The one owner of the editor windows. It takes a picture (a fresh capture, a chosen file, the
 // clipboard), prepares its document, decides whether it opens at once or after the user clicks a
 // notification, and whether it replaces what the primary window shows or opens an extra window; and
-// it saves the edited result. Main thread only; notification replies are posted back to it.
+// it saves the edited result. Main thread only; notification replies and the outcomes of saves are
+// posted back to it.
 class ImageEditorManager final : public EditorCommands, public EditorHandOff
 {
 public:
@@ -73,6 +74,8 @@ private:
     EditorImageSources m_sources;
 
     std::shared_ptr<EditorWindow> m_editorWindow;
+    // The editor the primary window shows: a save closes the window only if it still shows it.
+    std::weak_ptr<ImageEditorView> m_primaryView;
     std::shared_ptr<ImageEditorModel> m_model;
     std::optional<QUrl> m_sourceFileURL;
     QHash<QUuid, std::shared_ptr<EditorWindow>> m_detachedEditorWindows;
