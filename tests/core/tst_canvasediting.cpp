@@ -340,19 +340,13 @@ void CanvasEditingTest::tapFocusesTextBoxesAndDeletingOrDrawingEndsTheFocus()
     QCOMPARE(f.interaction().selectedOverlayID(), std::optional(frame.id));
     f.scheduler.runUntilIdle();
     QVERIFY(!f.interaction().focusedTextOverlayID());
-    f.interaction().setSelectedOverlayID(std::nullopt);
-    f.interaction().deleteSelectedOverlay();
-    QCOMPARE(f.model->overlays().size(), 2);
 
     f.click(f.at(200, 130));
     f.scheduler.runUntilIdle();
     f.interaction().deleteSelectedOverlay();
     QCOMPARE(f.model->overlays(), QList{frame});
-    QCOMPARE(f.undoSteps(), 3);
     QVERIFY(!f.interaction().selectedOverlayID());
     QVERIFY(!f.interaction().focusedTextOverlayID());
-    f.model->undoLastAction();
-    QCOMPARE(f.model->overlays().first().id, box.id);
 }
 
 QTEST_MAIN(CanvasEditingTest)

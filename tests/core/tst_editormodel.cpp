@@ -100,18 +100,8 @@ void EditorModelTest::editIsOneStepAndOneNotification_data()
     QTest::addColumn<EditAction>("edit");
     QTest::addColumn<int>("steps");
     QTest::addColumn<Changes>("announced"); // none: no notification at all
+    // Single appends, replacements and removals are the editor's gestures, tested with the canvas.
     const Changes document = Change::Overlays | Change::History;
-    QTest::newRow("append") << EditAction([](ImageEditorModel &m, const Overlay &, const Overlay &) {
-        m.appendOverlay(rectangleAt(9));
-    }) << 1 << document;
-    QTest::newRow("replace") << EditAction([](ImageEditorModel &m, const Overlay &, const Overlay &b) {
-        Overlay moved = b;
-        moved.startPoint += QPointF(4, 4);
-        m.replaceOverlay(moved);
-    }) << 1 << document;
-    QTest::newRow("remove") << EditAction([](ImageEditorModel &m, const Overlay &a, const Overlay &) {
-        m.removeOverlay(a.id);
-    }) << 1 << document;
     QTest::newRow("several changes in one edit") << EditAction([](ImageEditorModel &m, const Overlay &a, const Overlay &) {
         const ImageEditorModel::Edit edit(m);
         m.appendOverlay(rectangleAt(9));

@@ -52,7 +52,6 @@ private slots:
     void styleChangesWithoutSelectionOnlySetNewStyles();
     void opacityReachesTheSelectionTheSliderAndTheSwatches();
     void fontBindingsFollowTheSelection();
-    void actionStatesFollowTheDocument();
     void disabledActionsChangeNothing_data();
     void disabledActionsChangeNothing();
 };
@@ -235,27 +234,6 @@ void EditorToolbarTest::fontBindingsFollowTheSelection()
     QCOMPARE(toolbar.selectedFontSize(), 12.0);
     QCOMPARE(toolbar.selectedFontFamily(), u"Mono"_s);
     QCOMPARE(f.model->overlays().first(), box);
-}
-
-void EditorToolbarTest::actionStatesFollowTheDocument()
-{
-    EditorViewFixture f;
-    EditorToolbar &toolbar = f.view.toolbar();
-    auto states = [&toolbar] {
-        return QList<bool>{toolbar.undoButton().isEnabled, toolbar.redoButton().isEnabled,
-                           toolbar.deleteButton().isEnabled};
-    };
-    QCOMPARE(states(), (QList<bool>{false, false, false}));
-    const Overlay box = f.add(EditorTool::Text, {10, 10}, {10, 10});
-    QCOMPARE(states(), (QList<bool>{true, false, true}));
-    toolbar.undo();
-    // The selection names an overlay that is gone: nothing to delete.
-    QCOMPARE(states(), (QList<bool>{false, true, false}));
-    toolbar.redo();
-    QCOMPARE(states(), (QList<bool>{true, false, true}));
-    toolbar.deleteSelected();
-    QCOMPARE(states(), (QList<bool>{true, false, false}));
-    QVERIFY(f.model->indexOfOverlay(box.id) == std::nullopt);
 }
 
 void EditorToolbarTest::disabledActionsChangeNothing_data()

@@ -173,15 +173,6 @@ void EditorToolbarWidgetTest::keysReachTheDocument()
         f.key(Qt::Key_Z, Qt::ControlModifier);
         QCOMPARE(f.model->overlays().size(), 1);
     }
-    // The selected overlay undone away: delete is disabled, its keys leave the history alone.
-    f.drag({{120, 50}});
-    f.key(Qt::Key_Z, Qt::ControlModifier);
-    QVERIFY(!f.widget.toolbar()->deleteButton()->isEnabled());
-    for (const auto &[key, modifiers] : deleteKeys)
-        f.key(key, modifiers);
-    f.key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-    QCOMPARE(f.model->overlays().size(), 1);
-
     // Return and keypad Enter save the flattened picture; cancel saves nothing.
     f.key(Qt::Key_Return);
     QCOMPARE(saved.size(), 1);
