@@ -31,33 +31,6 @@ public:
     SelectionWindow *lastWindow = nullptr;
 };
 
-// A view of `size` on a display of scale 2, hosted by a window.
-struct ViewFixture
-{
-    explicit ViewFixture(QSizeF viewSize = QSizeF(1000, 800)) : size(viewSize)
-    {
-        displays.displays = {FakeDisplayProvider::display(7, Rect(QPointF(0, 0), size), 2)};
-        window.setFrame(Rect(QPointF(0, 0), size));
-        view.setWindow(&window);
-        window.setContentView(&view);
-    }
-
-    // A 2x screen image of one colour behind the view.
-    void showFrozenScreen(QColor color)
-    {
-        QImage image(size.toSize() * 2, QImage::Format_RGB32);
-        image.fill(color);
-        view.setFrozenBackgroundImage(image);
-    }
-
-    QSizeF size;
-    FakeDisplayProvider displays;
-    FakeCursor cursor;
-    RecordingDelegate delegate;
-    FakeSelectionWindow window{displays, 0, nullptr};
-    SelectionView view{Rect(QPointF(0, 0), size), &delegate, cursor, displays};
-};
-
 // Overlay windows over `screens` with their views, shown as a selection session shows them.
 struct OverlayFixture
 {
@@ -73,16 +46,16 @@ struct OverlayFixture
         pool.setShownCount(int(screens.size()));
     }
 
-    SelectionView &view(int index) { return *pool.at(index).view; }
+    SelectionView &viewAt(int index) { return *pool.at(index).view; }
     // The window an X server with our grab sends an event at `global` to: the overlay under the
     // pointer, else the grabbing first one.
     SelectionView &viewUnder(QPointF global)
     {
         for (int i = 0; i < pool.size(); ++i) {
             if (pool.at(i).window->frame().contains(global))
-                return view(i);
+                return viewAt(i);
         }
-        return view(0);
+        return viewAt(0);
     }
 
     FakeDisplayProvider displays;
@@ -90,6 +63,27 @@ struct OverlayFixture
     RecordingDelegate delegate;
     FakeSelectionWindowFactory factory{displays};
     SelectionWindowPool pool{factory};
+};
+
+// One view of `size` on a display of scale 2.
+struct ViewFixture : OverlayFixture
+{
+    explicit ViewFixture(QSizeF viewSize = QSizeF(1000, 800))
+        : OverlayFixture({FakeDisplayProvider::display(7, Rect(QPointF(0, 0), viewSize), 2)}), size(viewSize)
+    {
+    }
+
+    // A 2x screen image of one colour behind the view.
+    void showFrozenScreen(QColor color)
+    {
+        QImage image(size.toSize() * 2, QImage::Format_RGB32);
+        image.fill(color);
+        view.setFrozenBackgroundImage(image);
+    }
+
+    QSizeF size;
+    SelectionView &view = viewAt(0);
+    FakeSelectionWindow &window = *factory.windows.first();
 };
 
 // Paints the view into an image the way a window does: the painter flipped to the view's y-up space, on a
