@@ -69,13 +69,14 @@ public:
 
     void resizeOverlay(const Overlay &overlay, int corner, QPointF imagePoint);
     void deleteSelectedOverlay();
-    void syncTextInputFocus();
 
 signals:
     void changed(CanvasInteraction::Changes changes);
     void focusedTextOverlayChanged();
 
 private:
+    // Keyboard focus to the selected text box's field while editing, away from it otherwise.
+    void syncTextInputFocus();
     Overlay newDrawnOverlay(QPointF start, QPointF current) const;
     Overlay makeDrawnOverlay(QPointF start, QPointF current, bool isEnd) const;
     std::optional<int> searchDragCorner(const Overlay &overlay, QPointF touch) const;

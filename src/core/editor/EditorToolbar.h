@@ -96,7 +96,6 @@ public:
     void setSelectedColor(const QColor &color);
     void setSelectedTextFillColor(const QColor &color);
 
-    double textFillOpacity() const { return m_textFillOpacity; }
     Range opacitySlider() const;
     void setSelectedTextFillOpacity(double opacity);
 

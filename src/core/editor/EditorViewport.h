@@ -60,10 +60,6 @@ public:
     // The slider's value, kept to its range and steps.
     void setZoomFromSlider(double value);
 
-    // In image points.
-    QSizeF imageSize() const;
-    // Image pixels per image point: 2 for a capture from a HiDPI display, 1 for files and the clipboard.
-    double pixelRatio() const;
     // How far one image pixel reaches on the canvas.
     double viewPointsPerImagePixel() const { return m_zoomScale / pixelRatio(); }
     // The canvas rectangle, in image points. It follows the image alone, so it stays put while a drag runs.
@@ -89,6 +85,11 @@ signals:
     void geometryChanged();
 
 private:
+    // In image points.
+    QSizeF imageSize() const;
+    // Image pixels per image point: 2 for a capture from a HiDPI display, 1 for files and the clipboard.
+    double pixelRatio() const;
+
     const ImageEditorModel &m_model;
     Scheduler &m_scheduler;
     double m_zoomScale = 1.0;

@@ -74,7 +74,6 @@ public:
     ~ImageEditorView() override;
 
     ImageEditorModel &model() const { return *m_model; }
-    const std::shared_ptr<ImageEditorModel> &sharedModel() const { return m_model; }
     EditorViewport &viewport() { return m_viewport; }
     const EditorViewport &viewport() const { return m_viewport; }
     CanvasInteraction &interaction() { return m_interaction; }
