@@ -171,8 +171,6 @@ void OverlayGeometryTest::contentBounds_data()
     QTest::newRow("overlays inside leave the image")
         << QList<Overlay>{make(EditorTool::Rectangle, {20, 20}, {80, 80}), make(EditorTool::Mosaic, {0, 0}, {200, 100})}
         << Rect(0, 0, 200, 100);
-    QTest::newRow("rectangle over the bottom-left corner grows to -12")
-        << QList<Overlay>{make(EditorTool::Rectangle, {-10, -10}, {50, 50})} << Rect(-12, -12, 212, 112);
     QTest::newRow("fractional edges round outward")
         << QList<Overlay>{make(EditorTool::Mosaic, {150.5, 90}, {210.2, 100.7})} << Rect(0, 0, 211, 101);
 }
