@@ -118,6 +118,13 @@ void CanvasDrawingTest::overlayBeingDrawnIsNotInTheDocumentUntilReleased()
     QCOMPARE(f.interaction().activeOverlay()->endPoint, QPointF(50, 50));
     QVERIFY(f.model->overlays().isEmpty());
     QVERIFY(!f.model->canUndo());
+    // Its styles are read at the first move, the saved fill among them, and kept for the drag.
+    const QColor fill = f.interaction().activeOverlay()->textFillColor;
+    for (const QString &component : {u"red"_s, u"green"_s, u"blue"_s, u"alpha"_s})
+        f.store.values.insert(u"VistrelEditorTextFillColor."_s + component, 0.5);
+    f.view.pointerMoved(f.at(60, 40));
+    QCOMPARE(f.interaction().activeOverlay()->endPoint, QPointF(60, 40));
+    QCOMPARE(f.interaction().activeOverlay()->textFillColor, fill);
     // A cancel drops it.
     f.view.pointerCancelled();
     QVERIFY(!f.interaction().activeOverlay());
