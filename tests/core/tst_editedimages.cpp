@@ -236,7 +236,8 @@ void EditedImagesTest::savesEndingAfterTheirWindowChanged()
     EditorManagerFixture f;
     f.settings.setIncludeDate(false);
     const QDir shots(f.captureFolder.path());
-    FakeEditorWindow *detached = f.openDetached(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"A.png"_s)));
+    FakeEditorWindow *detached =
+        f.openDetached(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"A.png"_s)));
     FakeEditorWindow *primary = f.primary();
     detached->contentAs<ImageEditorView>()->save();
     primary->contentAs<ImageEditorView>()->save();

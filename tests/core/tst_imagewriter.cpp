@@ -72,7 +72,8 @@ void ImageWriterTest::writing_data()
     QTest::newRow("an existing folder") << u"shots"_s << false << writes << std::optional<Kind>() << QString()
                                         << u"d written %1/shots/a.png"_s;
     QTest::newRow("a missing folder is made with its parents")
-        << u"new/deeper"_s << false << writes << std::optional<Kind>() << QString() << u"d written %1/new/deeper/a.png"_s;
+        << u"new/deeper"_s << false << writes << std::optional<Kind>() << QString()
+        << u"d written %1/new/deeper/a.png"_s;
     QTest::newRow("a file where the folder should be")
         << u"file.txt"_s << false << writes << std::optional(Kind::NotAFolder)
         << u"no folder %1/file.txt: Not a directory"_s << u"d no folder %1/file.txt"_s;
@@ -82,7 +83,8 @@ void ImageWriterTest::writing_data()
     QTest::newRow("no pixels, after the folder is made")
         << u"new"_s << true << writes << std::optional(Kind::NoPixels) << u"no pixels %1/new/a.png"_s << QString();
     QTest::newRow("the file cannot be created")
-        << u"shots"_s << false << std::optional(Png::CannotCreateDestination) << std::optional(Kind::CannotCreateDestination)
+        << u"shots"_s << false << std::optional(Png::CannotCreateDestination)
+        << std::optional(Kind::CannotCreateDestination)
         << u"no destination %1/shots/a.png: refused"_s << u"d no destination %1/shots/a.png"_s;
     QTest::newRow("the file cannot be written")
         << u"shots"_s << false << std::optional(Png::CannotWrite) << std::optional(Kind::CannotWrite)

@@ -18,8 +18,9 @@ namespace {
 ImageWriter::Texts editedTexts(bool isBesideSource)
 {
     const ImageWriter::Texts::Lines notSaved{u"Vistrel: 編集画像の保存に失敗しました: {reason}"_s, {}};
+    const ImageWriter::Texts::Lines notAFolder{u"Vistrel: 保存先がディレクトリではありません: {path}"_s, {}};
     return {notSaved,
-            isBesideSource ? notSaved : ImageWriter::Texts::Lines{u"Vistrel: 保存先がディレクトリではありません: {path}"_s, {}},
+            isBesideSource ? notSaved : notAFolder,
             {u"Vistrel: 編集画像のCGImage変換に失敗しました。"_s, {}},
             {u"Vistrel: 編集画像の書き込み先生成に失敗しました。"_s, {}},
             {u"Vistrel: 編集画像PNGの書き込みに失敗しました。"_s, {}},
@@ -39,13 +40,15 @@ EditedImageSaver::EditedImageSaver(const ImageEditorServices &services)
 void EditedImageSaver::saveEditedImage(const QImage &image, const std::optional<QUrl> &sourceURL, Completion done)
 {
     const QFileInfo destination(makeSaveDestinationURL(sourceURL).toLocalFile());
-    ImageWriter::Request request{image, destination.path(), destination.fileName(), editedTexts(sourceURL.has_value())};
-    m_writer.writeInBackground(std::move(request), [this, image, done = std::move(done)](const ImageWriter::Outcome &outcome) {
+    ImageWriter::Request request{image, destination.path(), destination.fileName(),
+                                 editedTexts(sourceURL.has_value())};
+    auto copyAndTell = [this, image, done = std::move(done)](const ImageWriter::Outcome &outcome) {
         if (!outcome.failure)
             clipboardcopy::copyImageToClipboard(m_pasteboard, image);
         if (done)
             done(!outcome.failure);
-    });
+    };
+    m_writer.writeInBackground(std::move(request), std::move(copyAndTell));
 }
 
 QUrl EditedImageSaver::makeSaveDestinationURL(const std::optional<QUrl> &source) const

@@ -96,7 +96,8 @@ ImageWriter::Outcome ImageWriter::perform(const Services &services, const Reques
     if (!outcome.failure && request.image.isNull())
         outcome.failure = Failure{Failure::Kind::NoPixels, outcome.filePath, {}};
     if (!outcome.failure) {
-        if (const std::optional<PngWriter::Failure> png = services.pngWriter.writeFile(request.image, outcome.filePath)) {
+        const std::optional<PngWriter::Failure> png = services.pngWriter.writeFile(request.image, outcome.filePath);
+        if (png) {
             const Failure::Kind kind = png->kind == PngWriter::Failure::Kind::CannotCreateDestination
                                            ? Failure::Kind::CannotCreateDestination
                                            : Failure::Kind::CannotWrite;
