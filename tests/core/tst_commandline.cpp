@@ -28,11 +28,8 @@ void CommandLineTest::commands_data()
     QTest::newRow("plain start") << QStringList() << Command::Activate << QString();
     QTest::newRow("activate as an older start sends it") << QStringList{u"activate"_s} << Command::Activate
                                                          << QString();
-    QTest::newRow("select") << QStringList{u"select"_s} << Command::Select << QString();
+    // select, quit, settings and edit without a file the end-to-end tests give a running Vistrel.
     QTest::newRow("repeat") << QStringList{u"repeat"_s} << Command::Repeat << QString();
-    QTest::newRow("quit") << QStringList{u"quit"_s} << Command::Quit << QString();
-    QTest::newRow("settings") << QStringList{u"settings"_s} << Command::Settings << QString();
-    QTest::newRow("edit without a file: the empty editor") << QStringList{u"edit"_s} << Command::Edit << QString();
     QTest::newRow("edit keeps the file as given") << QStringList{u"edit"_s, u"../スクリーン ショット.png"_s}
                                                   << Command::Edit << u"../スクリーン ショット.png"_s;
     QTest::newRow("help") << QStringList{u"--help"_s} << Command::Help << QString();
