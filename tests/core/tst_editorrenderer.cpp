@@ -38,8 +38,7 @@ private slots:
 
 void EditorRendererTest::withoutOverlaysTheImageIsCopiedOntoWhite()
 {
-    const QImage source = noise(37, 23);
-    QCOMPARE(flatten(source, {}).image, source);
+    // Opaque pictures come back unchanged: the end-to-end test saves an unchanged capture.
     QImage transparent(2, 1, QImage::Format_ARGB32);
     transparent.setPixel(0, 0, qRgba(0, 0, 0, 0));
     transparent.setPixel(1, 0, qRgba(255, 0, 0, 255));

@@ -106,8 +106,7 @@ void GeometryTest::traceForms_data()
 {
     QTest::addColumn<Rect>("rect");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("whole numbers") << Rect(10, 20, 300, 200) << QStringLiteral("{{10, 20}, {300, 200}}");
-    QTest::newRow("halves stay") << Rect(10.5, -0.25, 1920, 1080) << QStringLiteral("{{10.5, -0.25}, {1920, 1080}}");
+    // Whole numbers and halves show in the capture trace lines the capture tests compare.
     QTest::newRow("shortest round trip") << Rect(0.1, 1.0 / 3, 2, 2)
                                          << QStringLiteral("{{0.1, 0.3333333333333333}, {2, 2}}");
     QTest::newRow("negative zero prints as zero") << Rect(-0.0, 0, 1, 1) << QStringLiteral("{{0, 0}, {1, 1}}");
