@@ -166,7 +166,8 @@ void CanvasInteraction::overlayDragChanged(const QUuid &id, const DragGestureEve
             m_selectedOverlayID = id;
             changes |= Change::Selection;
         }
-        m_model.beginEdit();
+        // Every drag that moves is one step, at its first move, even one that ends where it began.
+        m_model.beginEdit(ImageEditorModel::Step::Always);
         m_dragInitialOverlay = overlay;
         const std::optional<int> found = searchDragCorner(overlay, touch);
         // Freehand strokes only move.

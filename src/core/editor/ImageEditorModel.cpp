@@ -25,8 +25,9 @@ ImageEditorModel::ImageEditorModel(const QImage &image, KeyValueStore &store, QO
 {
 }
 
-void ImageEditorModel::beginEdit()
+void ImageEditorModel::beginEdit(Step step)
 {
+    m_editRecordsAlways |= step == Step::Always;
     if (m_editDepth++ > 0)
         return;
     m_editStart = m_overlays;
@@ -47,8 +48,8 @@ void ImageEditorModel::commitEdit()
 
 bool ImageEditorModel::settleOpenEdit()
 {
-    // Overlays are values: a drag that ends where it began leaves the document equal and takes no step.
-    if (m_overlays == m_editStart)
+    // Overlays are values: an edit that leaves them equal takes no step unless it asked for one.
+    if (!std::exchange(m_editRecordsAlways, false) && m_overlays == m_editStart)
         return false;
     pushTrimmed(m_undoStack, m_editStart);
     m_redoStack.clear();

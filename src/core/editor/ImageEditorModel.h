@@ -22,7 +22,8 @@ class KeyValueStore;
 // Every change happens inside an edit. A caller that changes several things as one step, or over
 // several events (a drag), opens an edit and commits it; a change made with no edit open is an edit
 // of its own. The commit records one undo step when the overlays differ from those at the start of
-// the edit, none otherwise, and announces all that the edit changed with one changed().
+// the edit (or the edit asked for a step in any case), none otherwise, and announces all that the
+// edit changed with one changed().
 class ImageEditorModel final : public QObject
 {
     Q_OBJECT
@@ -57,8 +58,15 @@ public:
     // The style defaults come from the saved editor preferences in `store` at this moment.
     ImageEditorModel(const QImage &image, KeyValueStore &store, QObject *parent = nullptr);
 
-    // Edits nest: only the outermost commit records and announces.
-    void beginEdit();
+    // What an edit leaves in the history when its overlays end as they began.
+    enum class Step {
+        WhenChanged,
+        // A drag that moved something is one step even when it ends where it started.
+        Always,
+    };
+
+    // Edits nest: only the outermost commit records and announces; any of them may ask for Always.
+    void beginEdit(Step step = Step::WhenChanged);
     void commitEdit();
 
     const QImage &image() const { return m_image; }
@@ -126,6 +134,7 @@ private:
     // The overlays as the open edit found them, and what it has changed so far.
     Snapshot m_editStart;
     Changes m_pendingChanges;
+    bool m_editRecordsAlways = false;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(ImageEditorModel::Changes)
