@@ -67,7 +67,6 @@ class AppDelegateTest : public QObject
 
 private slots:
     void launchRunsInOrder();
-    void menuEntries();
     void statusItemClicks_data();
     void statusItemClicks();
     void menuActionsReachTheSubsystems();
@@ -99,16 +98,6 @@ void AppDelegateTest::launchRunsInOrder()
     f.delegate.applicationWillTerminate();
     QVERIFY(f.hotKeys.registrations.isEmpty());
     QVERIFY(f.hotKeys.handlers.isEmpty());
-}
-
-void AppDelegateTest::menuEntries()
-{
-    QStringList rendered;
-    for (const StatusItem::MenuEntry &entry : AppDelegate::statusMenuEntries())
-        rendered << (entry.isSeparator ? u"---"_s : entry.title + u'|' + entry.keyEquivalent + (entry.isToggle ? u"|toggle"_s : QString()));
-    QCOMPARE(rendered, (QStringList{u"スクリーンショットを撮る|s"_s, u"画像を開いて編集...|e"_s, u"設定...|,"_s,
-                                     u"アップデートを確認...|"_s, u"---"_s, u"通知を出す||toggle"_s, u"---"_s,
-                                     u"終了|q"_s}));
 }
 
 void AppDelegateTest::statusItemClicks_data()

@@ -20,7 +20,6 @@ public:
     }
     void install() override
     {
-        ++installCount;
         if (m_journal)
             m_journal->append(QStringLiteral("diagnostics.install"));
     }
@@ -34,8 +33,6 @@ public:
         QMutexLocker lock(&m_mutex);
         m_lines.clear();
     }
-
-    int installCount = 0;
 
 private:
     mutable QMutex m_mutex;

@@ -9,7 +9,6 @@ public:
     {
         lastStartFolder = startFolder;
         lastPrompt = prompt;
-        ++shown;
         return answer;
     }
 
@@ -17,5 +16,4 @@ public:
     std::optional<QString> answer;
     QString lastStartFolder;
     QString lastPrompt;
-    int shown = 0;
 };

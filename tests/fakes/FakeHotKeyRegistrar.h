@@ -17,7 +17,6 @@ public:
 
     Result installHandler(Handler handler) override
     {
-        ++installCalls;
         if (installStatus != noErr)
             return {installStatus, 0};
         const Handle handle = m_nextHandle++;
@@ -58,7 +57,6 @@ public:
     QMap<quint32, Status> failingStatusForId;
     QMap<Handle, Handler> handlers;
     QMap<Handle, Registration> registrations;
-    int installCalls = 0;
     int registerCalls = 0;
 
 private:

@@ -8,11 +8,7 @@ public:
     bool isVisible() const override { return visible; }
     Rect frame() const override { return currentFrame; }
     std::optional<Rect> screenVisibleFrame() const override { return screenFrame; }
-    void setFrame(const Rect &frame) override
-    {
-        currentFrame = frame;
-        ++setFrameCount;
-    }
+    void setFrame(const Rect &frame) override { currentFrame = frame; }
     void makeKeyAndOrderFront() override
     {
         visible = true;
@@ -22,6 +18,5 @@ public:
     bool visible = false;
     Rect currentFrame{0, 0, 560, 860};
     std::optional<Rect> screenFrame;
-    int setFrameCount = 0;
     int orderFrontCount = 0;
 };

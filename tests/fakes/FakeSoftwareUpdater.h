@@ -9,7 +9,7 @@ class FakeSoftwareUpdater final : public SoftwareUpdater
 public:
     explicit FakeSoftwareUpdater(QStringList *journal = nullptr) : m_journal(journal) {}
 
-    std::optional<QString> unavailableReason() const override { return reason; }
+    std::optional<QString> unavailableReason() const override { return std::nullopt; }
     void start() override { record(QStringLiteral("updater.start")); }
     bool canCheckForUpdates() const override { return canCheck; }
     void observeCanCheckForUpdates(std::function<void(bool)> observer) override { canCheckObserver = std::move(observer); }
@@ -30,7 +30,6 @@ public:
             canCheckObserver(value);
     }
 
-    std::optional<QString> reason;
     bool canCheck = true;
     bool automatic = true;
     std::optional<QDateTime> lastCheck;

@@ -14,16 +14,8 @@ public:
         if (m_journal)
             m_journal->append(QStringLiteral("statusItem.show"));
     }
-    void setMenu(const QList<MenuEntry> &menuEntries, ActionHandler handler) override
-    {
-        entries = menuEntries;
-        onAction = std::move(handler);
-    }
-    void setToggleChecked(bool checked) override
-    {
-        toggleChecked = checked;
-        ++toggleSyncCount;
-    }
+    void setMenu(const QList<MenuEntry> &, ActionHandler handler) override { onAction = std::move(handler); }
+    void setToggleChecked(bool checked) override { toggleChecked = checked; }
     void popUpMenu() override
     {
         ++popUpCount;
@@ -33,11 +25,9 @@ public:
 
     Appearance appearance;
     ClickHandler onClick;
-    QList<MenuEntry> entries;
     ActionHandler onAction;
     bool toggleChecked = false;
     bool checkedWhenLastShown = false;
-    int toggleSyncCount = 0;
     int popUpCount = 0;
 
 private:

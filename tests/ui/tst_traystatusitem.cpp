@@ -67,8 +67,6 @@ void TrayStatusItemTest::activationBecomesAClick_data()
     QTest::addColumn<bool>("isClick");
     QTest::addColumn<int>("type");
     QTest::addColumn<bool>("controlHeld");
-    QTest::newRow("left click") << QSystemTrayIcon::Trigger << Qt::KeyboardModifiers() << true
-                                << int(Type::LeftMouseUp) << false;
     QTest::newRow("control-left click is a left click with control")
         << QSystemTrayIcon::Trigger << Qt::KeyboardModifiers(Qt::ControlModifier) << true << int(Type::LeftMouseUp)
         << true;
@@ -76,9 +74,6 @@ void TrayStatusItemTest::activationBecomesAClick_data()
                                  << int(Type::RightMouseUp) << false;
     QTest::newRow("second half of a double click is none")
         << QSystemTrayIcon::DoubleClick << Qt::KeyboardModifiers() << false << 0 << false;
-    QTest::newRow("middle click is none") << QSystemTrayIcon::MiddleClick << Qt::KeyboardModifiers() << false << 0
-                                          << false;
-    QTest::newRow("unknown is none") << QSystemTrayIcon::Unknown << Qt::KeyboardModifiers() << false << 0 << false;
 }
 
 void TrayStatusItemTest::activationBecomesAClick()
