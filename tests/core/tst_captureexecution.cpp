@@ -172,7 +172,6 @@ void CaptureExecutionTest::screenWithoutIDGoesStraightToTheDesktopRectangle()
 // The same attempts serve the repeat capture, under its own prefix (see the repeat capture's outcomes).
 void CaptureExecutionTest::attempts_data()
 {
-    QTest::addColumn<bool>("hasID");
     QTest::addColumn<std::optional<QString>>("listError");
     QTest::addColumn<bool>("listed");
     QTest::addColumn<QList<FakeScreenCapturer::Outcome>>("displayOutcomes");
@@ -188,29 +187,22 @@ void CaptureExecutionTest::attempts_data()
         u"capture display-filter capture failed display=1 localRect={{10, 20}, {100, 50}} error="_s;
     const QString rectFailed = u"capture global-rect capture failed rect={{10, 830}, {100, 50}} error="_s;
     QTest::newRow("the display capture works")
-        << true << std::optional<QString>() << true << none << none << QStringList{} << QSize(200, 100);
+        << std::optional<QString>() << true << none << none << QStringList{} << QSize(200, 100);
     QTest::newRow("display capture fails, then the desktop rectangle")
-        << true << std::optional<QString>() << true << failsWithError << none
+        << std::optional<QString>() << true << failsWithError << none
         << QStringList{filterFailed + u"stream stopped"_s} << QSize(100, 50);
     QTest::newRow("display not listed")
-        << true << std::optional<QString>() << false << none << none << QStringList{filterFailed + u"nil"_s}
-        << QSize(100, 50);
+        << std::optional<QString>() << false << none << none << QStringList{filterFailed + u"nil"_s} << QSize(100, 50);
     QTest::newRow("display list unavailable")
-        << true << std::optional<QString>(u"no content"_s) << true << none << none
+        << std::optional<QString>(u"no content"_s) << true << none << none
         << QStringList{filterFailed + u"no content"_s} << QSize(100, 50);
     QTest::newRow("both fail")
-        << true << std::optional<QString>() << true << failsSilently << failsWithError
+        << std::optional<QString>() << true << failsSilently << failsWithError
         << QStringList{filterFailed + u"nil"_s, rectFailed + u"stream stopped"_s} << QSize(0, 0);
-    QTest::newRow("no display id")
-        << false << std::optional<QString>() << true << none << failsSilently
-        << QStringList{u"capture displayID unavailable, falling back to global rect={{10, 830}, {100, 50}}"_s,
-                       rectFailed + u"nil"_s}
-        << QSize(0, 0);
 }
 
 void CaptureExecutionTest::attempts()
 {
-    QFETCH(bool, hasID);
     QFETCH(std::optional<QString>, listError);
     QFETCH(bool, listed);
     QFETCH(QList<FakeScreenCapturer::Outcome>, displayOutcomes);
@@ -226,8 +218,8 @@ void CaptureExecutionTest::attempts()
     f.capturer.rectOutcomes = rectOutcomes;
 
     std::optional<QImage> result;
-    f.parts.attempts.performCaptureAttempts(hasID ? std::optional<quint32>(1) : std::nullopt, Rect(10, 20, 100, 50),
-                                            primary.frame, 2, u"capture"_s, [&](QImage image) { result = image; });
+    f.parts.attempts.performCaptureAttempts(1, Rect(10, 20, 100, 50), primary.frame, 2, u"capture"_s,
+                                            [&](QImage image) { result = image; });
     QVERIFY(!result); // completions arrive through the main thread's queue
     f.scheduler.runUntilIdle();
     QVERIFY(result);

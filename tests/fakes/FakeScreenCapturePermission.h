@@ -5,11 +5,7 @@
 class FakeScreenCapturePermission final : public ScreenCapturePermission
 {
 public:
-    bool preflight() override
-    {
-        ++preflightCount;
-        return preflightResult;
-    }
+    bool preflight() override { return preflightResult; }
     bool request() override
     {
         ++requestCount;
@@ -18,6 +14,5 @@ public:
 
     bool preflightResult = true;
     bool requestResult = true;
-    int preflightCount = 0;
     int requestCount = 0;
 };

@@ -5,24 +5,16 @@
 #include "platform/SelectionWindow.h"
 
 #include <QList>
-#include <QStringList>
 
 // A window that only keeps its frame, content and visibility. Its screen is the display of
 // `displays` that holds most of its frame, as on macOS, unless a test sets `screenOverride`.
 class FakeSelectionWindow final : public SelectionWindow
 {
 public:
-    FakeSelectionWindow(const FakeDisplayProvider &displays, int number, QStringList *journal)
-        : m_displays(displays), m_number(number), m_journal(journal)
-    {
-    }
+    explicit FakeSelectionWindow(const FakeDisplayProvider &displays) : m_displays(displays) {}
 
     Rect frame() const override { return m_frame; }
-    void setFrame(const Rect &frame) override
-    {
-        m_frame = frame;
-        record(QStringLiteral("setFrame"));
-    }
+    void setFrame(const Rect &frame) override { m_frame = frame; }
     std::optional<DisplayInfo> screen() const override
     {
         if (screenOverride)
@@ -42,7 +34,7 @@ public:
     Rect convertRectToScreen(const Rect &rect) const override { return rect.translated(m_frame.x(), m_frame.y()); }
     QPointF convertPointFromScreen(QPointF point) const override { return point - m_frame.origin(); }
     void setContentView(SelectionView *view) override { contentView = view; }
-    void setPointerRouter(SelectionPointerRouter *router) override { pointerRouter = router; }
+    void setPointerRouter(SelectionPointerRouter *) override {}
     void setNeedsDisplay() override { ++needsDisplayCount; }
     void setNeedsDisplayInRect(const Rect &rect) override
     {
@@ -54,23 +46,16 @@ public:
     {
         isVisible = true;
         isKey = true;
-        record(QStringLiteral("makeKeyAndOrderFront"));
     }
-    void orderFront() override
-    {
-        isVisible = true;
-        record(QStringLiteral("orderFront"));
-    }
+    void orderFront() override { isVisible = true; }
     void orderOut() override
     {
         isVisible = false;
         isKey = false;
-        record(QStringLiteral("orderOut"));
     }
 
     std::optional<std::optional<DisplayInfo>> screenOverride;
     SelectionView *contentView = nullptr;
-    SelectionPointerRouter *pointerRouter = nullptr;
     bool isVisible = false;
     bool isKey = false;
     int needsDisplayCount = 0;
@@ -79,14 +64,6 @@ public:
     int displayCount = 0;
 
 private:
-    void record(const QString &call)
-    {
-        if (m_journal)
-            m_journal->append(QStringLiteral("window%1.").arg(m_number) + call);
-    }
-
     const FakeDisplayProvider &m_displays;
-    int m_number;
-    QStringList *m_journal;
     Rect m_frame;
 };

@@ -7,14 +7,11 @@
 class FakeSelectionWindowFactory final : public SelectionWindowFactory
 {
 public:
-    explicit FakeSelectionWindowFactory(const FakeDisplayProvider &displays, QStringList *journal = nullptr)
-        : m_displays(displays), m_journal(journal)
-    {
-    }
+    explicit FakeSelectionWindowFactory(const FakeDisplayProvider &displays) : m_displays(displays) {}
 
     std::unique_ptr<SelectionWindow> makeSelectionWindow() override
     {
-        auto window = std::make_unique<FakeSelectionWindow>(m_displays, int(windows.size()), m_journal);
+        auto window = std::make_unique<FakeSelectionWindow>(m_displays);
         windows.append(window.get());
         return window;
     }
@@ -24,5 +21,4 @@ public:
 
 private:
     const FakeDisplayProvider &m_displays;
-    QStringList *m_journal;
 };
