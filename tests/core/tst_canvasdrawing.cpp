@@ -63,8 +63,6 @@ private slots:
     void canvasShowsWhatIsSaved_data();
     void canvasShowsWhatIsSaved();
     void handlesOfTheSelectionArePainted();
-    void saveDeliversTheFlattenedPicture_data();
-    void saveDeliversTheFlattenedPicture();
 };
 
 void CanvasDrawingTest::dragDrawsOneOverlayOfTheTool_data()
@@ -253,45 +251,6 @@ void CanvasDrawingTest::handlesOfTheSelectionArePainted()
     f.drag({f.at(0, 0), f.at(10, 10)});
     f.interaction().setSelectedOverlayID(f.model->overlays().last().id);
     QVERIFY(f.view.handles().isEmpty());
-}
-
-void CanvasDrawingTest::saveDeliversTheFlattenedPicture_data()
-{
-    QTest::addColumn<double>("ratio");
-    QTest::newRow("one pixel per point") << 1.0;
-    QTest::newRow("HiDPI capture") << 2.0;
-}
-
-void CanvasDrawingTest::saveDeliversTheFlattenedPicture()
-{
-    QFETCH(double, ratio);
-    EditorViewFixture f;
-    QImage picture = EditorViewFixture::picture(int(400 * ratio), int(300 * ratio));
-    picture.setDevicePixelRatio(ratio);
-    f.model->setImage(picture);
-    // By hand on the canvas at 100 %: the picture's top-left corner is at (500, 500), and this frame
-    // sticks out 20 points on the left.
-    f.model->setSelectedTool(EditorTool::Rectangle);
-    f.interaction().setDrawMode(true);
-    f.drag({{480, 540}, {540, 570}});
-    const Overlay frame = f.model->overlays().last();
-    QCOMPARE(frame.startPoint, QPointF(-20, 260) * ratio);
-    QCOMPARE(frame.endPoint, QPointF(40, 230) * ratio);
-
-    QList<QImage> saved;
-    f.view.onSave = [&saved](const QImage &image) { saved.append(image); };
-    f.view.save();
-    QCOMPARE(saved, QList<QImage>{f.model->renderEditedImage()});
-    // Every pixel of the picture, grown to the left by the overlay and its stroke.
-    const int left = int(20 * ratio) + 2;
-    QCOMPARE(saved.first().size(), QSize(left + picture.width(), picture.height()));
-    const int top = int(40 * ratio);
-    QCOMPARE(saved.first().pixelColor(left + int(20 * ratio), top), f.model->selectedColor());
-    QCOMPARE(saved.first().pixelColor(left + int(20 * ratio), top + 10), QColor(90, 120, 150));
-
-    f.model->setImage(QImage());
-    f.view.save();
-    QVERIFY(saved.last().isNull()); // nothing to flatten: the picture as it is
 }
 
 QTEST_MAIN(CanvasDrawingTest)

@@ -96,10 +96,6 @@ void CanvasEditingTest::everyEditIsOneUndoStep_data()
         f.view.pointerCancelled();
         f.view.pointerReleased(f.at(50, 50));
     }) << 0;
-    QTest::newRow("deleting with nothing selected") << Gesture([](EditorViewFixture &f) {
-        f.interaction().setSelectedOverlayID(std::nullopt);
-        f.interaction().deleteSelectedOverlay();
-    }) << 0;
     QTest::newRow("the colour in use") << restyling([](EditorToolbar &t, const Overlay &o) { t.setSelectedColor(o.color); }) << 0;
     QTest::newRow("the fill in use") << restyling([](EditorToolbar &t, const Overlay &o) { t.setSelectedTextFillColor(o.textFillColor); }) << 0;
     QTest::newRow("the opacity in use") << restyling([](EditorToolbar &t, const Overlay &) { t.setSelectedTextFillOpacity(1.04); }) << 0;

@@ -50,8 +50,6 @@ private slots:
     void savingWithoutSourceCreatesTheCaptureFolder();
     void saveFailures_data();
     void saveFailures();
-    void primarySaveReadsTheSourceAtSaveTime();
-    void detachedSaveUsesItsOwnSource();
     void savesEndingAfterTheirWindowChanged();
     void unreadableFileIsAlertedAndLogged();
     void pastingFromTheClipboard_data();
@@ -90,8 +88,8 @@ void EditedImagesTest::savingBesideTheSourceOverwritesAndCopies()
     source.fill(QColor(200, 10, 90));
     source.setPixelColor(20, 5, QColor(0, 0, 255, 0));
     source.setPixelColor(21, 5, QColor(0, 200, 0, 128));
-    const auto view = f.openDetached(source, QUrl::fromLocalFile(folder.filePath(u"a.b.png"_s)))
-                          ->contentAs<ImageEditorView>();
+    FakeEditorWindow *window = f.openDetached(source, QUrl::fromLocalFile(folder.filePath(u"a.b.png"_s)));
+    const auto view = window->contentAs<ImageEditorView>();
     view->model().appendOverlay(Overlay(EditorTool::Rectangle, QPointF(-12, 4), QPointF(10, 15), Qt::blue, {}, {}));
     const QImage edited = view->model().renderEditedImage();
     view->save();
@@ -108,6 +106,8 @@ void EditedImagesTest::savingBesideTheSourceOverwritesAndCopies()
     QCOMPARE(written.pixelColor(14 + 21, 5).alpha(), 255);
     QCOMPARE(f.pasteboard.contents, QList<QImage>{edited});
     QVERIFY(f.systemLog.messages().isEmpty());
+    QVERIFY(!f.windows.isAlive(window)); // closed once the file is written
+    QVERIFY(f.manager.detachedEditorWindows().isEmpty());
 }
 
 void EditedImagesTest::savingWithoutSourceCreatesTheCaptureFolder_data()
@@ -195,42 +195,10 @@ void EditedImagesTest::saveFailures()
     QVERIFY(f.pasteboard.contents.isEmpty());
 }
 
-void EditedImagesTest::primarySaveReadsTheSourceAtSaveTime()
-{
-    EditorManagerFixture f;
-    f.openWithoutNotification(true);
-    f.settings.setIncludeDate(false);
-    const QDir shots(f.captureFolder.path());
-    f.handOff(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"A.png"_s)));
-    const std::shared_ptr<ImageEditorView> primary = f.primary()->contentAs<ImageEditorView>();
-    // A second capture in an extra window clears the prepared source.
-    f.handOff(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"B.png"_s)));
-
-    primary->save();
-    f.scheduler.runBackgroundTasks();
-    QCOMPARE(f.fakeWriter.paths, QStringList{f.captureFolder.filePath(u"Vistrel_edited.png"_s)});
-    QVERIFY(!f.manager.editorWindow());
-}
-
-void EditedImagesTest::detachedSaveUsesItsOwnSource()
-{
-    EditorManagerFixture f;
-    const QDir shots(f.captureFolder.path());
-    const QUrl source = QUrl::fromLocalFile(shots.filePath(u"B.png"_s));
-    FakeEditorWindow *window = f.openDetached(EditorManagerFixture::picture(), source);
-    // The next capture waits for a click on its notification, its document prepared.
-    f.settings.setOpenEditorViaNotification(true);
-    f.handOff(EditorManagerFixture::picture(), QUrl::fromLocalFile(shots.filePath(u"C.png"_s)));
-
-    window->contentAs<ImageEditorView>()->save();
-    f.scheduler.runBackgroundTasks();
-    QCOMPARE(f.fakeWriter.paths, QStringList{shots.filePath(u"B_edited.png"_s)});
-    QCOMPARE(window->closeCount, 1);
-    QVERIFY(f.manager.detachedEditorWindows().isEmpty());
-}
-
 // Pictures are written on a worker. A window closed meanwhile stays closed, and a primary window
-// showing another document by then stays open; the files are written all the same.
+// showing another document by then stays open; the files are written all the same. The extra window
+// saves beside its own source; the primary one reads the prepared source when it saves, and the
+// capture handed to the extra window cleared that.
 void EditedImagesTest::savesEndingAfterTheirWindowChanged()
 {
     EditorManagerFixture f;

@@ -33,7 +33,6 @@ private slots:
     void japaneseTextHasGlyphs();
     void absurdExtentGivesTheImageBack();
     void overlayWithoutANumberIsSkipped();
-    void retinaImageKeepsItsPixels();
 };
 
 void EditorRendererTest::withoutOverlaysTheImageIsCopiedOntoWhite()
@@ -190,15 +189,6 @@ void EditorRendererTest::overlayWithoutANumberIsSkipped()
     result.bounds = Rect(0, 0, 20, 20);
     QCOMPARE(result.image.size(), QSize(20, 20));
     QCOMPARE(result.ink(white), QRect(3, 3, 14, 14));
-}
-
-void EditorRendererTest::retinaImageKeepsItsPixels()
-{
-    QImage source = noise(40, 20);
-    source.setDevicePixelRatio(2);
-    const Flattened result = flatten(source, {make(EditorTool::Rectangle, {2, 2}, {10, 10})});
-    QCOMPARE(result.image.size(), QSize(40, 20));
-    QCOMPARE(result.at(30, 15), source.pixel(30, 20 - 1 - 15));
 }
 
 QTEST_MAIN(EditorRendererTest)

@@ -50,7 +50,7 @@ private slots:
     void sameColor_data();
     void sameColor();
     void styleChangesWithoutSelectionOnlySetNewStyles();
-    void opacityReachesTheSelectionTheSliderAndTheSwatches();
+    void opacityReachesTheSelectionAndTheSlider();
     void fontBindingsFollowTheSelection();
     void disabledActionsChangeNothing_data();
     void disabledActionsChangeNothing();
@@ -194,7 +194,7 @@ void EditorToolbarTest::styleChangesWithoutSelectionOnlySetNewStyles()
     QVERIFY(EditorToolbar::sameColor(next.selectedTextFillColor(), QColor::fromRgbF(1, 1, 1, 0.5f)));
 }
 
-void EditorToolbarTest::opacityReachesTheSelectionTheSliderAndTheSwatches()
+void EditorToolbarTest::opacityReachesTheSelectionAndTheSlider()
 {
     EditorViewFixture f;
     const Overlay box = f.add(EditorTool::Text, {10, 10}, {10, 10});
@@ -208,15 +208,6 @@ void EditorToolbarTest::opacityReachesTheSelectionTheSliderAndTheSwatches()
     QVERIFY(std::abs(f.model->selectedTextFillColor().alphaF() - 0.3) < 1e-4);
     QVERIFY(std::abs(f.model->overlays().first().textFillColor.alphaF() - 0.3) < 1e-4);
     QCOMPARE(f.model->overlays().first().textFillColor.rgb(), box.textFillColor.rgb());
-
-    toolbar.setSelectedTextFillColor(systemcolors::systemGreen());
-    QList<bool> chosen;
-    for (const EditorToolbar::Swatch &swatch : toolbar.textFillSwatches()) {
-        chosen.append(swatch.isSelected);
-        QVERIFY(std::abs(swatch.color.alphaF() - 0.3) < 1e-4);
-    }
-    QCOMPARE(chosen.indexOf(true), 3);
-    QCOMPARE(chosen.count(true), 1);
 }
 
 void EditorToolbarTest::fontBindingsFollowTheSelection()

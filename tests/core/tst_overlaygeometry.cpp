@@ -32,7 +32,6 @@ class OverlayGeometryTest : public QObject
 private slots:
     void normalisedRect_data();
     void normalisedRect();
-    void arrowPathIsTheClosedOutline();
     void freehandPath();
     void arrowProportions_data();
     void arrowProportions();
@@ -67,16 +66,6 @@ void OverlayGeometryTest::normalisedRect()
     QFETCH(Overlay, overlay);
     QFETCH(Rect, expected);
     QCOMPARE(overlay.rect(), expected);
-}
-
-void OverlayGeometryTest::arrowPathIsTheClosedOutline()
-{
-    const QPainterPath path = overlaygeometry::arrowPath({0, 0}, {100, 0});
-    const TaperedArrowGeometry expected{{0, 1}, {78, 3.5}, {78, 10}, {100, 0}, {78, -10}, {78, -3.5}, {0, -1}};
-    const auto outline = expected.outline();
-    QCOMPARE(path.elementCount(), int(outline.size()) + 1);
-    for (int i = 0; i < path.elementCount(); ++i)
-        QVERIFY2(near(path.elementAt(i), outline[size_t(i) % outline.size()]), qPrintable(QString::number(i)));
 }
 
 void OverlayGeometryTest::freehandPath()

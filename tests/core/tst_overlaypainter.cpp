@@ -33,10 +33,8 @@ void OverlayPainterTest::mosaicBlocksAreUniformAndOnTheImageGrid_data()
     QTest::addColumn<QSize>("imageSize");
     QTest::addColumn<Rect>("rect");
     QTest::addColumn<int>("edge");
-    QTest::newRow("48 x 240 uses blocks of 5") << QSize(100, 300) << Rect(0, 0, 48, 240) << 5;
-    QTest::newRow("offset 48 x 240 keeps the image grid") << QSize(100, 300) << Rect(7, 13, 48, 240) << 5;
-    QTest::newRow("480 x 960 uses blocks of 20") << QSize(520, 1000) << Rect(0, 0, 480, 960) << 20;
-    QTest::newRow("offset 480 x 960 keeps the image grid") << QSize(520, 1000) << Rect(33, 21, 480, 960) << 20;
+    QTest::newRow("48 x 240 offset: blocks of 5 on the image grid") << QSize(100, 300) << Rect(7, 13, 48, 240) << 5;
+    QTest::newRow("480 x 960 offset: blocks of 20 on the image grid") << QSize(520, 1000) << Rect(33, 21, 480, 960) << 20;
     QTest::newRow("reaching past the image edge") << QSize(100, 300) << Rect(70, 250, 48, 240) << 5;
 }
 

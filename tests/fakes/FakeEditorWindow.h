@@ -2,15 +2,12 @@
 
 #include "platform/EditorWindow.h"
 
-#include <QStringList>
-
 // Records what the window manager did with the window; the test closes it the way a user would.
 class FakeEditorWindow : public EditorWindow
 {
 public:
-    explicit FakeEditorWindow(const Configuration &configuration, QStringList *journal = nullptr)
-        : configuration(configuration), contentSize(configuration.contentSize),
-          minimumSize(configuration.minimumSize), m_journal(journal)
+    explicit FakeEditorWindow(const Configuration &configuration)
+        : configuration(configuration), contentSize(configuration.contentSize), minimumSize(configuration.minimumSize)
     {
     }
 
@@ -18,22 +15,15 @@ public:
     {
         content = newContent;
         ++contentChanges;
-        record(QStringLiteral("setContent"));
     }
     void setContentSize(QSizeF size) override { contentSize = size; }
     void setMinimumSize(QSizeF size) override { minimumSize = size; }
     void center() override { ++centerCount; }
-    void makeKeyAndOrderFront() override
-    {
-        isVisible = true;
-        ++orderFrontCount;
-        record(QStringLiteral("makeKeyAndOrderFront"));
-    }
+    void makeKeyAndOrderFront() override { isVisible = true; }
     void close() override
     {
         isVisible = false;
         ++closeCount;
-        record(QStringLiteral("close"));
         windowWillClose();
     }
 
@@ -54,14 +44,5 @@ public:
     bool isVisible = false;
     int contentChanges = 0;
     int centerCount = 0;
-    int orderFrontCount = 0;
     int closeCount = 0;
-
-private:
-    void record(const QString &call)
-    {
-        if (m_journal)
-            m_journal->append(u"window." + call);
-    }
-    QStringList *m_journal;
 };

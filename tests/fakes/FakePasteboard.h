@@ -37,7 +37,6 @@ public:
     }
     std::optional<QByteArray> readData(const QString &mimeType) const override
     {
-        ++dataReads;
         for (const auto &[type, bytes] : data) {
             if (type == mimeType)
                 return bytes;
@@ -49,7 +48,6 @@ public:
     // What the clipboard offers to readers: an image the system decodes, and raw data by type.
     std::optional<QImage> image;
     QList<std::pair<QString, QByteArray>> data;
-    mutable int dataReads = 0;
     int writeCount = 0;
 
 private:

@@ -135,9 +135,6 @@ void EditorCanvasWidgetTest::releaseIsOneRedraw_data()
                                    << 1 << 1 << 1;
     QTest::newRow("end of a resize") << false << QList<QPointF>{{300, 250}, {320, 260}, {340, 270}}
                                      << box.adjusted(0, 0, 40, 20) << 1 << 1 << 1;
-    // A drag that moved is one step even where it ends as it began.
-    QTest::newRow("end of a drag back to its press") << false << QList<QPointF>{{100, 150}, {130, 170}, {100, 150}} << box
-                                                     << 1 << 1 << 1;
     // Only the handles are painted anew, and delete is enabled.
     QTest::newRow("a tap that selects") << false << QList<QPointF>{{200, 150}} << box << 0 << 0 << 1;
 }

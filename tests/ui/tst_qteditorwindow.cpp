@@ -37,7 +37,6 @@ private slots:
     void controlQClosesOnlyThatWindow_data();
     void controlQClosesOnlyThatWindow();
     void corruptFileGetsTheAlert();
-    void saveWritesBesideTheSourceAndCloses();
     void closingADetachedWindowForgetsIt();
 };
 
@@ -122,24 +121,6 @@ void QtEditorWindowTest::corruptFileGetsTheAlert()
     QCOMPARE(f.alerts.alerts, (QList<QPair<QString, QString>>{
                                   {u"画像を開けませんでした"_s, u"対応している画像ファイルを選択してください。"_s}}));
     QVERIFY(qobject_cast<EditorDropTargetWidget *>(f.primary()->contentWidget()));
-}
-
-void QtEditorWindowTest::saveWritesBesideTheSourceAndCloses()
-{
-    EditorWindowsFixture f;
-    const QUrl source = f.writeFile(u"Shot.png"_s, EditorWindowsFixture::picture());
-    f.manager.openImageFile(source);
-    QtEditorWindow *window = f.primary();
-    QVERIFY(QTest::qWaitForWindowActive(window->widget()));
-    QWidget *widget = window->widget();
-    f.key(window, Qt::Key_Return);
-    QVERIFY(f.manager.editorWindow()); // until the worker has written the file
-    f.scheduler.runBackgroundTasks();
-    f.settle();
-    QCOMPARE(f.fakeWriter.paths, QStringList{f.captureFolder.filePath(u"Shot_edited.png"_s)});
-    QCOMPARE(f.pasteboard.writeCount, 1);
-    QVERIFY(!f.manager.editorWindow());
-    QVERIFY(!widget->isVisible());
 }
 
 void QtEditorWindowTest::closingADetachedWindowForgetsIt()

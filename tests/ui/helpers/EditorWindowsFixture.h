@@ -26,14 +26,6 @@ struct EditorWindowsFixture : QtWindowFactoryHolder, EditorManagerFixture
 
     QtEditorWindow *primary() const { return static_cast<QtEditorWindow *>(manager.editorWindow()); }
 
-    // A PNG file of `image` in the temporary folder.
-    QUrl writeFile(const QString &name, const QImage &image) const
-    {
-        const QString path = captureFolder.filePath(name);
-        image.save(path, "PNG");
-        return QUrl::fromLocalFile(path);
-    }
-
     // What the event loop does after a click or a key: posted work, then widgets let go of.
     void settle()
     {
