@@ -28,7 +28,6 @@ void SoftwareUpdaterModelTest::previewsDoNotStartTheUpdater_data()
     QTest::addColumn<bool>("starts");
     QTest::newRow("unset") << QByteArray() << true;
     QTest::newRow("preview") << QByteArray("1") << false;
-    QTest::newRow("other value") << QByteArray("0") << true;
     QTest::newRow("yes is not 1") << QByteArray("YES") << true;
 }
 

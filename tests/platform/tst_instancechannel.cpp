@@ -61,8 +61,6 @@ void InstanceChannelTest::secondStartHandsItsCommandToTheFirst()
     QVERIFY(waitForLine(*first, "listening"));
     QCOMPARE(runSecond(bus.address(), {}), 0);
     QVERIFY(waitForLine(*first, R"(["activate"])"));
-    QCOMPARE(runSecond(bus.address(), {u"select"_s}), 0);
-    QVERIFY(waitForLine(*first, R"(["select"])"));
     QCOMPARE(runSecond(bus.address(), {u"edit"_s, u"/tmp/スクリーン ショット.png"_s, u""_s}), 0);
     QVERIFY(waitForLine(*first, R"(["edit","/tmp/スクリーン ショット.png",""])"));
 

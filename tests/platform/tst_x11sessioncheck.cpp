@@ -25,7 +25,6 @@ void X11SessionCheckTest::missingDisplayIsNamed_data()
                           "session, or set DISPLAY to the display to use (for example DISPLAY=:0)."_s;
     QTest::newRow("X11 session") << u":0"_s << QString() << u"x11"_s << QString();
     QTest::newRow("Wayland session with Xwayland") << u":1"_s << u"wayland-0"_s << u"wayland"_s << QString();
-    QTest::newRow("nothing set") << QString() << QString() << QString() << unset;
     QTest::newRow("blank DISPLAY counts as unset") << u"  "_s << QString() << u"x11"_s << unset;
     QTest::newRow("Wayland without Xwayland")
         << QString() << u"wayland-0"_s << u"wayland"_s
