@@ -120,7 +120,6 @@ void EditorDropTargetWidgetTest::dropsOpenALocalFileOnly_data()
     const QUrl first = QUrl::fromLocalFile(u"/tmp/first.png"_s);
     QTest::newRow("the first of two files") << QList<QUrl>{first, QUrl::fromLocalFile(u"/tmp/second.png"_s)} << true;
     QTest::newRow("text") << QList<QUrl>() << false;
-    QTest::newRow("a web address") << QList<QUrl>{QUrl(u"https://example.org/picture.png"_s)} << false;
 }
 
 void EditorDropTargetWidgetTest::dropsOpenALocalFileOnly()
