@@ -38,12 +38,13 @@ bool ChildProcess::exists(const QString &program)
 }
 
 bool ChildProcess::start(const QString &program, const QStringList &arguments, const QStringList &extraEnvironment,
-                         bool readFirstLine, int lineFd, QByteArray *firstLine, int timeoutMs)
+                         QByteArray *firstLine)
 {
     const QString path = QStandardPaths::findExecutable(program);
     if (path.isEmpty())
         return false;
 
+    const bool readFirstLine = firstLine != nullptr;
     int pipeFds[2] = {-1, -1};
     if (readFirstLine && !openCloseOnExecPipe(pipeFds))
         return false;
@@ -76,7 +77,7 @@ bool ChildProcess::start(const QString &program, const QStringList &arguments, c
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     if (readFirstLine)
-        posix_spawn_file_actions_adddup2(&actions, pipeFds[1], lineFd);
+        posix_spawn_file_actions_adddup2(&actions, pipeFds[1], STDOUT_FILENO);
     // Helpers are started in their own process group, so stop() ends them with whatever they started.
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
@@ -101,7 +102,7 @@ bool ChildProcess::start(const QString &program, const QStringList &arguments, c
     bool complete = false;
     while (!complete) {
         pollfd readable{pipeFds[0], POLLIN, 0};
-        if (::poll(&readable, 1, timeoutMs) <= 0)
+        if (::poll(&readable, 1, 10000) <= 0)
             break;
         char c = 0;
         if (::read(pipeFds[0], &c, 1) != 1)
@@ -113,23 +114,10 @@ bool ChildProcess::start(const QString &program, const QStringList &arguments, c
     }
     // Kept open while the child runs: a later write to a closed pipe would kill it.
     m_lineFd = pipeFds[0];
-    if (firstLine)
-        *firstLine = line;
+    *firstLine = line;
     if (!complete)
         stop();
     return complete;
-}
-
-bool ChildProcess::isRunning()
-{
-    if (m_pid <= 0)
-        return false;
-    int status = 0;
-    if (::waitpid(m_pid, &status, WNOHANG) == m_pid) {
-        m_pid = -1;
-        return false;
-    }
-    return true;
 }
 
 void ChildProcess::stop()

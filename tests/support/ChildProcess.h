@@ -16,13 +16,11 @@ public:
     ~ChildProcess();
 
     // Starts `program` (looked up in PATH) with the current environment plus `extraEnvironment`
-    // ("NAME=value" entries). With `readFirstLine`, the child's fd `lineFd` (1 = stdout) is a pipe and
-    // start() waits up to `timeoutMs` for its first line, returned through `firstLine`.
+    // ("NAME=value" entries). With `firstLine`, the child's standard output is a pipe and start() waits
+    // up to ten seconds for its first line, returned there.
     bool start(const QString &program, const QStringList &arguments, const QStringList &extraEnvironment = {},
-               bool readFirstLine = false, int lineFd = 1, QByteArray *firstLine = nullptr, int timeoutMs = 10000);
+               QByteArray *firstLine = nullptr);
     void stop();
-    bool isRunning();
-    pid_t pid() const { return m_pid; }
 
     // True when `program` is found in PATH.
     static bool exists(const QString &program);

@@ -25,7 +25,7 @@ DBusSession::DBusSession()
     file.close();
     QByteArray address;
     if (m_process.start(u"dbus-daemon"_s, {u"--config-file="_s + config, u"--nofork"_s, u"--print-address=1"_s}, {},
-                        true, 1, &address)) {
+                        &address)) {
         m_address = QString::fromLocal8Bit(address.trimmed());
     }
 }

@@ -23,7 +23,7 @@ void TrayStatusItemSniTest::hostCallsArriveAsLeftAndRightClicks()
     VISTREL_REQUIRE_X();
     ChildProcess watcher;
     QByteArray ready;
-    QVERIFY(watcher.start(u"/usr/bin/python3"_s, {QStringLiteral(FAKE_SNI_WATCHER)}, {}, true, 1, &ready));
+    QVERIFY(watcher.start(u"/usr/bin/python3"_s, {QStringLiteral(FAKE_SNI_WATCHER)}, {}, &ready));
     QCOMPARE(ready, QByteArray("ready"));
 
     TrayStatusItem item;
