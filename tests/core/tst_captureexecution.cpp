@@ -106,15 +106,7 @@ void CaptureExecutionTest::frozenImageIsUsedWithoutWaiting()
     QCOMPARE(f.pasteboard.contents.first().size(), QSize(200, 100));
     QVERIFY(!f.state.isCapturing());
     QVERIFY(f.state.frozenDisplaySnapshots.isEmpty());
-    const std::optional<LastSelectionRegion> region = f.state.lastSelectionRegion;
-    QVERIFY(region);
-    QCOMPARE(region->displayID, 1u);
-    QCOMPARE(region->localRect, Rect(10, 20, 100, 50));
-    QCOMPARE(region->screenFrame, primary.frame);
-    QCOMPARE(f.lines().mid(f.lines().indexOf(u"capture begin rect={{10, 20}, {100, 50}}"_s)),
-             (QStringList{u"capture begin rect={{10, 20}, {100, 50}}"_s,
-                          u"capture localRect={{10, 20}, {100, 50}} appKitScreenRect={{10, 20}, {100, 50}} "
-                          u"cgGlobalRect={{10, 830}, {100, 50}} screenFrame={{0, 0}, {1440, 900}} displayID=1"_s}));
+    QVERIFY(f.state.lastSelectionRegion);
 }
 
 void CaptureExecutionTest::liveCaptureWaitsForTheOverlayToLeave_data()

@@ -115,19 +115,15 @@ void ImageWriterTest::writing()
 void ImageWriterTest::troubleLeavesNothingAndTheNextWritePasses_data()
 {
     QTest::addColumn<SaveTrouble::Kind>("trouble");
-    QTest::addColumn<Kind>("failure");
-    QTest::newRow("file size limit reached midway") << SaveTrouble::Kind::FileSizeLimit << Kind::CannotWrite;
-    QTest::newRow("disk full midway") << SaveTrouble::Kind::DiskFull << Kind::CannotWrite;
-    QTest::newRow("folder is a file") << SaveTrouble::Kind::FolderIsAFile << Kind::NotAFolder;
-    QTest::newRow("folder cannot be created") << SaveTrouble::Kind::FolderNotCreatable << Kind::FolderNotCreatable;
+    QTest::newRow("file size limit reached midway") << SaveTrouble::Kind::FileSizeLimit;
+    QTest::newRow("disk full midway") << SaveTrouble::Kind::DiskFull;
 }
 
-// Real files and real failures: the failure is told apart, no file or temporary is left, and the same
-// write passes once the trouble is gone.
+// Real files and real failures midway: the write fails, no file or temporary is left, and the same write
+// passes once the trouble is gone.
 void ImageWriterTest::troubleLeavesNothingAndTheNextWritePasses()
 {
     QFETCH(SaveTrouble::Kind, trouble);
-    QFETCH(Kind, failure);
     WriterFixture f;
     const FastPngWriter png;
     f.pngWriter.writer = &png;
@@ -138,9 +134,9 @@ void ImageWriterTest::troubleLeavesNothingAndTheNextWritePasses()
 
     ImageWriter::Outcome outcome = f.writer->write(request);
     QVERIFY(outcome.failure);
-    QCOMPARE(outcome.failure->kind, failure);
+    QCOMPARE(outcome.failure->kind, Kind::CannotWrite);
     for (QDirIterator it(f.root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); it.hasNext();)
-        QCOMPARE(it.next(), f.root + u"/file.txt"_s);
+        QFAIL(qPrintable(u"left behind: "_s + it.next()));
 
     cause.lift();
     outcome = f.writer->write(request);

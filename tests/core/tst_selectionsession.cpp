@@ -126,7 +126,6 @@ void SelectionSessionTest::displaysAreFrozenOneAfterAnother()
     QCOMPARE(snapshots.value(2).logicalFrame, secondary.frame);
     QCOMPARE(f.view(0)->frozenBackgroundImage().size(), QSize(2880, 1800));
     QCOMPARE(f.view(1)->frozenBackgroundImage().size(), QSize(1280, 1024));
-    QVERIFY(f.lines().contains(u"frozen displays captured count=2 via ScreenCaptureKit"_s));
 }
 
 void SelectionSessionTest::freezeFallsBackThenLeavesTheDisplayLive_data()

@@ -10,18 +10,16 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 
-// A real reason for saving into a folder to fail, made under `root` (an empty folder) and lifted again
-// by lift() or at the end: a file size limit that stops the write midway (EFBIG), a small tmpfs that
-// fills up midway (ENOSPC; mounting needs root, so elsewhere skipReason says why not), a regular file
-// where the folder should be, or one where a parent folder should be.
+// A real reason for saving into a folder to fail midway, made under `root` (an empty folder) and lifted
+// again by lift() or at the end: a file size limit (EFBIG), or a small tmpfs that fills up (ENOSPC;
+// mounting needs root, so elsewhere skipReason says why not).
 class SaveTrouble
 {
 public:
-    enum class Kind { FileSizeLimit, DiskFull, FolderIsAFile, FolderNotCreatable };
+    enum class Kind { FileSizeLimit, DiskFull };
 
-    SaveTrouble(Kind kind, const QString &root) : m_kind(kind), m_root(root)
+    SaveTrouble(Kind kind, const QString &root) : m_kind(kind)
     {
-        const QString blocker = root + QStringLiteral("/file.txt");
         switch (kind) {
         case Kind::FileSizeLimit:
             folder = root + QStringLiteral("/shots");
@@ -38,14 +36,6 @@ public:
             else
                 m_isMounted = true;
             break;
-        case Kind::FolderIsAFile:
-        case Kind::FolderNotCreatable: {
-            QFile file(blocker);
-            file.open(QIODevice::WriteOnly);
-            file.write("not a folder");
-            folder = kind == Kind::FolderIsAFile ? blocker : blocker + QStringLiteral("/shots");
-            break;
-        }
         }
     }
     ~SaveTrouble()
@@ -55,7 +45,7 @@ public:
             ::umount2(QFile::encodeName(folder).constData(), MNT_DETACH);
     }
 
-    // Room again, the limit gone, the file out of the way.
+    // Room again, the limit gone.
     void lift()
     {
         switch (m_kind) {
@@ -69,10 +59,6 @@ public:
         case Kind::DiskFull:
             if (m_isMounted)
                 ::mount(nullptr, QFile::encodeName(folder).constData(), nullptr, MS_REMOUNT, "size=8m");
-            break;
-        case Kind::FolderIsAFile:
-        case Kind::FolderNotCreatable:
-            QFile::remove(m_root + QStringLiteral("/file.txt"));
             break;
         }
     }
@@ -100,7 +86,6 @@ private:
     }
 
     Kind m_kind;
-    QString m_root;
     rlimit m_limit{};
     void (*m_oldHandler)(int) = SIG_ERR;
     bool m_isMounted = false;
