@@ -37,7 +37,6 @@ void CaptureSavingTest::fileNames_data()
     QTest::newRow("prefix trimmed of spaces and new lines") << u"\n Shot \t"_s << true << u"Shot_2024-05-01_13-07-42.png"_s;
     QTest::newRow("Japanese prefix") << u"画面"_s << true << u"画面_2024-05-01_13-07-42.png"_s;
     QTest::newRow("no date") << u"Shot"_s << false << u"Shot.png"_s;
-    QTest::newRow("no date and blank prefix") << QString() << false << u"Vistrel.png"_s;
 }
 
 void CaptureSavingTest::fileNames()
