@@ -96,7 +96,6 @@ void AppSettingsTest::storedValuesAreConverted_data()
     QTest::addColumn<QVariant>("stored");
     QTest::addColumn<QString>("property");
     QTest::addColumn<QVariant>("expected");
-    QTest::newRow("stored false stays false") << includeDateKey << QVariant(false) << u"includeDate"_s << QVariant(false);
     QTest::newRow("bool as number 0") << notificationKey << QVariant(qint64(0)) << u"notification"_s << QVariant(false);
     QTest::newRow("bool as text yes") << keepWindowKey << QVariant(u"YES"_s) << u"keepWindow"_s << QVariant(true);
     QTest::newRow("bool as text false") << includeDateKey << QVariant(u"false"_s) << u"includeDate"_s << QVariant(false);
