@@ -67,8 +67,7 @@ void CaptureExecutionTest::refusals()
     QFETCH(QStringList, expected);
     QFETCH(QStringList, systemLog);
     QFETCH(bool, stillSelecting);
-    CaptureFixture f;
-    f.setDisplays({primary});
+    CaptureFixture f({primary});
     f.showOverlay();
     f.view(0)->mouseDown(QPointF(10, 10));
     if (!selecting)
@@ -92,8 +91,7 @@ void CaptureExecutionTest::refusals()
 
 void CaptureExecutionTest::frozenImageIsUsedWithoutWaiting()
 {
-    CaptureFixture f;
-    f.setDisplays({primary});
+    CaptureFixture f({primary});
     f.showOverlay();
     f.drag(0, QPointF(10, 20), QPointF(110, 70));
     QVERIFY(f.state.isCapturing());
@@ -119,8 +117,7 @@ void CaptureExecutionTest::liveCaptureWaitsForTheOverlayToLeave_data()
 void CaptureExecutionTest::liveCaptureWaitsForTheOverlayToLeave()
 {
     QFETCH(bool, freezing);
-    CaptureFixture f;
-    f.setDisplays({primary});
+    CaptureFixture f({primary});
     f.state.useFrozenBackground = freezing;
     if (freezing) {
         f.capturer.displayOutcomes = {{QImage(), std::nullopt}};
@@ -201,8 +198,7 @@ void CaptureExecutionTest::attempts()
     QFETCH(QList<FakeScreenCapturer::Outcome>, rectOutcomes);
     QFETCH(QStringList, expected);
     QFETCH(QSize, imageSize);
-    CaptureFixture f;
-    f.setDisplays({primary});
+    CaptureFixture f({primary});
     f.capturer.shareableError = listError;
     if (!listed)
         f.capturer.shareable->clear();
@@ -221,8 +217,7 @@ void CaptureExecutionTest::attempts()
 
 void CaptureExecutionTest::failedCaptureKeepsThePreviousRegion()
 {
-    CaptureFixture f;
-    f.setDisplays({primary});
+    CaptureFixture f({primary});
     f.captureRegion(0, Rect(10, 20, 100, 50));
     const LastSelectionRegion first = *f.state.lastSelectionRegion;
     f.sounds.played.clear();
@@ -241,8 +236,7 @@ void CaptureExecutionTest::failedCaptureKeepsThePreviousRegion()
 
 void CaptureExecutionTest::refusedPermissionAtCaptureTime()
 {
-    CaptureFixture f;
-    f.setDisplays({primary});
+    CaptureFixture f({primary});
     f.state.useFrozenBackground = false;
     f.showOverlay();
     f.permission.preflightResult = false;

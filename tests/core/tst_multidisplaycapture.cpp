@@ -153,8 +153,7 @@ void MultiDisplayCaptureTest::frozenCapture()
     const Row row = Row::current();
     QFETCH(QRect, frozenPixels);
 
-    CaptureFixture f;
-    f.setDisplays(row.screens);
+    CaptureFixture f(row.screens);
     for (const QSize &size : row.pixels)
         f.capturer.displayOutcomes.append({positionPattern(size), std::nullopt});
     f.showOverlay();

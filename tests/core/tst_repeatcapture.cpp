@@ -75,8 +75,7 @@ void RepeatCaptureTest::outcomes()
     QFETCH(QStringList, expected);
     QFETCH(QString, regionAfter);
     QFETCH(bool, saved);
-    CaptureFixture f;
-    f.setDisplays({primary, wide});
+    CaptureFixture f({primary, wide});
     if (condition != u"no region"_s)
         f.captureRegion(1, Rect(100, 200, 300, 150));
     const std::optional<LastSelectionRegion> before = f.state.lastSelectionRegion;
@@ -125,8 +124,7 @@ void RepeatCaptureTest::outcomes()
 
 void RepeatCaptureTest::repeatsLiveWithoutOverlayOrDelay()
 {
-    CaptureFixture f;
-    f.setDisplays({primary, wide});
+    CaptureFixture f({primary, wide});
     f.captureRegion(0, Rect(10.25, 20.25, 100, 50));
     const int windowCalls = f.windowFactory.windows.first()->displayCount;
     const int hides = f.cursor.hideCount;

@@ -52,8 +52,7 @@ void SelectionSessionTest::startIsIgnoredWhileBusy_data()
 void SelectionSessionTest::startIsIgnoredWhileBusy()
 {
     QFETCH(QString, phase);
-    CaptureFixture f;
-    f.setDisplays({primary});
+    CaptureFixture f({primary});
     if (phase == u"preparing"_s) {
         f.permission.preflightResult = false;
         f.showOverlay();
@@ -86,8 +85,7 @@ void SelectionSessionTest::permissionIsAskedOffTheMainThread_data()
 void SelectionSessionTest::permissionIsAskedOffTheMainThread()
 {
     QFETCH(bool, granted);
-    CaptureFixture f;
-    f.setDisplays({primary});
+    CaptureFixture f({primary});
     f.permission.preflightResult = false;
     f.permission.requestResult = granted;
     f.showOverlay();
@@ -109,8 +107,7 @@ void SelectionSessionTest::permissionIsAskedOffTheMainThread()
 
 void SelectionSessionTest::displaysAreFrozenOneAfterAnother()
 {
-    CaptureFixture f;
-    f.setDisplays({primary, secondary});
+    CaptureFixture f({primary, secondary});
     f.showOverlay();
     QCOMPARE(f.journal.mid(0, 4), (QStringList{u"capturer.shareableDisplays"_s, u"capturer.captureDisplay"_s,
                                                u"capturer.shareableDisplays"_s, u"capturer.captureDisplay"_s}));
@@ -161,8 +158,7 @@ void SelectionSessionTest::freezeFallsBackThenLeavesTheDisplayLive()
     QFETCH(bool, liveWorks);
     QFETCH(QString, expectedLine);
     QFETCH(QString, expectedFrozen);
-    CaptureFixture f;
-    f.setDisplays({primary, secondary});
+    CaptureFixture f({primary, secondary});
     if (!listed)
         f.capturer.shareable->removeLast();
     f.capturer.displayOutcomes = {{image(QSize(2880, 1800)), std::nullopt}};
@@ -210,8 +206,7 @@ void SelectionSessionTest::windowsAreLoggedPerDisplay()
 
 void SelectionSessionTest::poolGrowsAndOrdersOutExtraWindows()
 {
-    CaptureFixture f;
-    f.setDisplays({primary, secondary});
+    CaptureFixture f({primary, secondary});
     f.showOverlay();
     SelectionView *firstView = f.view(0);
     f.session.cancelSelection();
@@ -244,8 +239,7 @@ void SelectionSessionTest::poolGrowsAndOrdersOutExtraWindows()
 
 void SelectionSessionTest::escapeMonitorIsInstalledOnceAndRemovedOnClose()
 {
-    CaptureFixture f;
-    f.setDisplays({primary});
+    CaptureFixture f({primary});
     f.showOverlay();
     f.session.showSelectionWindow();
     QCOMPARE(f.keyMonitor.addCount, 1);
@@ -278,8 +272,7 @@ void SelectionSessionTest::cursorHidesAndUnhidesInPairs_data()
 void SelectionSessionTest::cursorHidesAndUnhidesInPairs()
 {
     QFETCH(QString, ending);
-    CaptureFixture f;
-    f.setDisplays({primary});
+    CaptureFixture f({primary});
     f.state.useFrozenBackground = ending != u"live capture"_s;
     f.showOverlay();
     if (ending == u"live capture"_s) // without freezing, nothing is captured before the drag ends
@@ -315,8 +308,7 @@ void SelectionSessionTest::cursorHidesAndUnhidesInPairs()
 
 void SelectionSessionTest::cancelDropsTheFrozenImages()
 {
-    CaptureFixture f;
-    f.setDisplays({primary});
+    CaptureFixture f({primary});
     f.showOverlay();
     QCOMPARE(f.state.frozenDisplaySnapshots.size(), 1);
     f.session.closeSelectionWindows(true, false);
@@ -350,8 +342,7 @@ void SelectionSessionTest::screenChangeDiscardsARegionOfAGoneDisplay()
     QFETCH(QList<DisplayInfo>, after);
     QFETCH(QStringList, expected);
     QFETCH(bool, regionKept);
-    CaptureFixture f;
-    f.setDisplays({primary, secondary});
+    CaptureFixture f({primary, secondary});
     f.captureRegion(1, Rect(10, 10, 100, 100));
     QVERIFY(f.state.lastSelectionRegion);
     f.diagnostics.clear();

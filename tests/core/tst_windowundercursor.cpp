@@ -75,8 +75,7 @@ void WindowUnderCursorTest::frontmostSuitableWindow()
     QFETCH(QList<Entry>, windows);
     QFETCH(QPointF, point);
     QFETCH(qint64, expected);
-    CaptureFixture f;
-    f.setDisplays({primary, secondary});
+    CaptureFixture f({primary, secondary});
     f.windowList.windows = windows;
     const std::optional<WindowUnderCursor::WindowInfo> found = f.parts.windowUnderCursor.windowInfoUnderCursor(point);
     QCOMPARE(found ? found->id : -1, expected);
@@ -84,8 +83,7 @@ void WindowUnderCursorTest::frontmostSuitableWindow()
 
 void WindowUnderCursorTest::spaceCapturesTheWindowCutToThePointersDisplay()
 {
-    CaptureFixture f;
-    f.setDisplays({primary, secondary});
+    CaptureFixture f({primary, secondary});
     // A window from x 1240 to 1640 (across both displays), y 100 to 400 from the top.
     f.windowList.windows = QList<Entry>{window(Rect(1240, 100, 400, 300), u"Safari"_s, 42)};
     f.showOverlay();
@@ -103,8 +101,7 @@ void WindowUnderCursorTest::spaceCapturesTheWindowCutToThePointersDisplay()
 
 void WindowUnderCursorTest::spaceOverNothingBeepsAndKeepsTheSelection()
 {
-    CaptureFixture f;
-    f.setDisplays({primary});
+    CaptureFixture f({primary});
     f.windowList.windows = QList<Entry>{window(Rect(0, 0, 100, 100), u"Safari"_s, 42)};
     f.showOverlay();
     f.diagnostics.clear();
@@ -124,8 +121,7 @@ void WindowUnderCursorTest::spaceOverNothingBeepsAndKeepsTheSelection()
 
 void WindowUnderCursorTest::spaceOutsideASelectionDoesNothing()
 {
-    CaptureFixture f;
-    f.setDisplays({primary});
+    CaptureFixture f({primary});
     f.windowList.windows = QList<Entry>{window(Rect(0, 0, 1000, 800), u"Safari"_s, 42)};
     f.cursor.position = QPointF(100, 400);
     f.execution.captureWindowUnderCursor();

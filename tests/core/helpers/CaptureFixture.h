@@ -67,6 +67,7 @@ struct CaptureFixture
         settings.setSaveFolderPath(saveFolder.path());
         saver.setEditorHandOff(&editor);
     }
+    explicit CaptureFixture(const QList<DisplayInfo> &screens) : CaptureFixture() { setDisplays(screens); }
 
     // The displays, and the same displays as the capture service lists them, at their pixel size.
     void setDisplays(const QList<DisplayInfo> &screens)
