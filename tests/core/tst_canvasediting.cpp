@@ -16,19 +16,6 @@ Q_DECLARE_METATYPE(Gesture)
 
 namespace {
 
-// A drag of the tool in draw mode, through image points.
-Gesture drawing(EditorTool tool, const QList<QPointF> &path)
-{
-    return [tool, path](EditorViewFixture &f) {
-        f.model->setSelectedTool(tool);
-        f.interaction().setDrawMode(true);
-        QList<QPointF> inView;
-        for (QPointF point : path)
-            inView.append(f.at(point.x(), point.y()));
-        f.drag(inView);
-    };
-}
-
 // A drag in edit mode, through image points.
 Gesture dragging(const QList<QPointF> &path)
 {
@@ -37,6 +24,16 @@ Gesture dragging(const QList<QPointF> &path)
         for (QPointF point : path)
             inView.append(f.at(point.x(), point.y()));
         f.drag(inView);
+    };
+}
+
+// A drag of the tool in draw mode, through image points.
+Gesture drawing(EditorTool tool, const QList<QPointF> &path)
+{
+    return [tool, path](EditorViewFixture &f) {
+        f.model->setSelectedTool(tool);
+        f.interaction().setDrawMode(true);
+        dragging(path)(f);
     };
 }
 

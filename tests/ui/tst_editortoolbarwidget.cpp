@@ -178,7 +178,7 @@ void EditorToolbarWidgetTest::keysReachTheDocument()
     QCOMPARE(saved.size(), 1);
     QCOMPARE(saved.first().convertToFormat(QImage::Format_ARGB32),
              f.model->renderEditedImage().convertToFormat(QImage::Format_ARGB32));
-    QVERIFY(saved.first() != EditorWidgetFixture::picture().convertToFormat(saved.first().format()));
+    QVERIFY(saved.first() != EditorViewFixture::picture().convertToFormat(saved.first().format()));
     f.key(Qt::Key_Enter, Qt::KeypadModifier);
     QCOMPARE(saved.size(), 2);
     f.widget.cancelButton()->click();

@@ -1,16 +1,11 @@
 #pragma once
 
-#include "FakeKeyValueStore.h"
-#include "FakeScheduler.h"
-#include "FakeSystemLog.h"
+#include "../../core/helpers/EditorViewFixture.h"
 
 #include "EditorCanvasWidget.h"
 #include "EditorToolbarWidget.h"
 #include "ImageEditorWidget.h"
 #include "OverlayTextField.h"
-
-#include "editor/ImageEditorModel.h"
-#include "editor/ImageEditorView.h"
 
 #include <QScrollArea>
 #include <QToolButton>
@@ -23,13 +18,6 @@
 // through Qt's test events in image points.
 struct EditorWidgetFixture
 {
-    static QImage picture()
-    {
-        QImage image(400, 300, QImage::Format_RGB32);
-        image.fill(QColor(90, 120, 150));
-        return image;
-    }
-
     EditorWidgetFixture()
     {
         widget.resize(1000, 800);
@@ -42,7 +30,7 @@ struct EditorWidgetFixture
     FakeKeyValueStore store;
     FakeScheduler scheduler;
     FakeSystemLog systemLog;
-    std::shared_ptr<ImageEditorModel> model = std::make_shared<ImageEditorModel>(picture(), store);
+    std::shared_ptr<ImageEditorModel> model = std::make_shared<ImageEditorModel>(EditorViewFixture::picture(), store);
     std::shared_ptr<ImageEditorView> view = std::make_shared<ImageEditorView>(model, ImageEditorView::Services{systemLog, scheduler});
     ImageEditorWidget widget{view};
 
