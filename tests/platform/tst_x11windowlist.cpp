@@ -43,7 +43,6 @@ void X11WindowListTest::onlyNormalWindowsAndDialogsAreOnLayerZero_data()
     QTest::addColumn<bool>("layerZero");
     QTest::newRow("normal") << QByteArray("_NET_WM_WINDOW_TYPE_NORMAL") << true;
     QTest::newRow("dialog") << QByteArray("_NET_WM_WINDOW_TYPE_DIALOG") << true;
-    QTest::newRow("no type") << QByteArray() << true;
     QTest::newRow("dock") << QByteArray("_NET_WM_WINDOW_TYPE_DOCK") << false;
     QTest::newRow("desktop") << QByteArray("_NET_WM_WINDOW_TYPE_DESKTOP") << false;
     QTest::newRow("popup menu") << QByteArray("_NET_WM_WINDOW_TYPE_POPUP_MENU") << false;
