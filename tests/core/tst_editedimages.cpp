@@ -233,6 +233,11 @@ void EditedImagesTest::unreadableFileIsAlertedAndLogged()
     QVERIFY(f.windows.windows.isEmpty());
     QCOMPARE(f.diagnostics.lines().size(), 1);
     QVERIFY(f.diagnostics.lines().first().startsWith(u"openImageFile failed url=file://"_s + path));
+    // Dropped on the launcher, the file leaves the drop target shown.
+    const std::shared_ptr<EditorDropTargetView> launcher = f.openLauncher();
+    launcher->onOpenURL(QUrl::fromLocalFile(path));
+    QCOMPARE(f.alerts.alerts, (QList{unreadableFileAlert, unreadableFileAlert}));
+    QCOMPARE(f.primary()->contentAs<EditorDropTargetView>(), launcher);
 }
 
 void EditedImagesTest::pastingFromTheClipboard_data()

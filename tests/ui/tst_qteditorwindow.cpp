@@ -5,28 +5,11 @@
 
 #include "editor/ImageEditorModel.h"
 
-#include <QDropEvent>
 #include <QGuiApplication>
-#include <QMimeData>
 #include <QScreen>
 #include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-void dropURLs(QWidget *target, const QList<QUrl> &urls)
-{
-    QMimeData data;
-    data.setUrls(urls);
-    const QPoint middle = target->rect().center();
-    QDragEnterEvent enter(middle, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(target, &enter);
-    QDropEvent drop(middle, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QCoreApplication::sendEvent(target, &drop);
-}
-
-} // namespace
 
 class QtEditorWindowTest : public QObject
 {
@@ -36,7 +19,6 @@ private slots:
     void launcherShowsTheDropTargetInAnEditorWindow();
     void controlQClosesOnlyThatWindow_data();
     void controlQClosesOnlyThatWindow();
-    void corruptFileGetsTheAlert();
     void closingADetachedWindowForgetsIt();
 };
 
@@ -105,22 +87,6 @@ void QtEditorWindowTest::controlQClosesOnlyThatWindow()
     f.key(detached, key, modifiers);
     QCOMPARE(f.manager.detachedEditorWindows().isEmpty(), closes);
     QCOMPARE(quitting.count(), 0);
-}
-
-void QtEditorWindowTest::corruptFileGetsTheAlert()
-{
-    EditorWindowsFixture f;
-    const QString path = f.captureFolder.filePath(u"broken.png"_s);
-    QFile broken(path);
-    QVERIFY(broken.open(QIODevice::WriteOnly));
-    broken.write(QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\x10\0", 20));
-    broken.close();
-    f.manager.openEditorLauncher();
-    dropURLs(f.primary()->contentWidget(), {QUrl::fromLocalFile(path)});
-    f.settle();
-    QCOMPARE(f.alerts.alerts, (QList<QPair<QString, QString>>{
-                                  {u"画像を開けませんでした"_s, u"対応している画像ファイルを選択してください。"_s}}));
-    QVERIFY(qobject_cast<EditorDropTargetWidget *>(f.primary()->contentWidget()));
 }
 
 void QtEditorWindowTest::closingADetachedWindowForgetsIt()
