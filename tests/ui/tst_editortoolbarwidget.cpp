@@ -157,11 +157,6 @@ void EditorToolbarWidgetTest::keysReachTheDocument()
     f.view->onSave = [&saved](const QImage &image) { saved.append(image); };
     f.view->onCancel = [&cancelled] { ++cancelled; };
     f.drag({{20, 20}, {120, 80}});
-    f.key(Qt::Key_Z, Qt::ControlModifier);
-    QVERIFY(f.model->overlays().isEmpty());
-    f.key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-    QCOMPARE(f.model->overlays().size(), 1);
-
     f.widget.toolbar()->editModeButton()->click();
     const QList<std::pair<Qt::Key, Qt::KeyboardModifiers>> deleteKeys{
         {Qt::Key_Delete, {}}, {Qt::Key_Delete, Qt::ControlModifier}, {Qt::Key_Backspace, Qt::ControlModifier}};
