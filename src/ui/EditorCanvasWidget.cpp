@@ -5,6 +5,7 @@
 #include "editor/ImageEditorView.h"
 
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
 
 #include <cmath>
@@ -81,10 +82,19 @@ void EditorCanvasWidget::syncTextFocus()
         setFocus(Qt::OtherFocusReason);
 }
 
-void EditorCanvasWidget::paintEvent(QPaintEvent *)
+void EditorCanvasWidget::updateDamage()
+{
+    const std::optional<QRectF> &damage = m_view.canvasDamage();
+    if (!damage)
+        update();
+    else if (!damage->isEmpty())
+        update(damage->toAlignedRect());
+}
+
+void EditorCanvasWidget::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    m_view.paintCanvas(painter);
+    m_view.paintCanvas(painter, event->rect());
 }
 
 void EditorCanvasWidget::mousePressEvent(QMouseEvent *event)

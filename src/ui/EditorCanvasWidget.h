@@ -30,6 +30,8 @@ public:
     void syncWithView();
     // Gives the keyboard to the field of the box the view focuses, if any.
     void syncTextFocus();
+    // Repaints what the view's last change damaged.
+    void updateDamage();
 
 protected:
     void paintEvent(QPaintEvent *event) override;

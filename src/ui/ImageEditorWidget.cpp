@@ -115,7 +115,7 @@ void ImageEditorWidget::viewChanged(ImageEditorView::Parts parts)
     else if (parts & Part::CanvasContent)
         m_canvas->syncWithView();
     else if (parts & Part::CanvasPaint)
-        m_canvas->update();
+        m_canvas->updateDamage();
     if (parts & Part::Toolbar)
         m_toolbar->refresh();
 }

@@ -6,6 +6,8 @@
 #include <QPainter>
 #include <QTest>
 
+#include <optional>
+
 using namespace Qt::StringLiterals;
 
 Q_DECLARE_METATYPE(EditorTool)
@@ -33,6 +35,23 @@ QImage pattern(double ratio = 1)
             image.setPixel(x, y, qRgb((x * 5) % 256, (y * 7) % 256, ((x + y) * 3) % 256));
     image.setDevicePixelRatio(ratio);
     return image;
+}
+
+// The image's frame as a widget scrolled to it shows it on a screen of `ratio`, repainted only inside
+// `damage` (canvas view points) when that is given.
+void paintFrame(QImage &screen, const ImageEditorView &view, double ratio, const std::optional<QRectF> &damage)
+{
+    const QRectF frame = view.viewport().imageFrameInCanvas();
+    if (screen.isNull()) {
+        screen = QImage((frame.size() * ratio).toSize(), QImage::Format_RGB32);
+        screen.setDevicePixelRatio(ratio);
+        screen.fill(Qt::black);
+    }
+    const QRect exposed = damage ? damage->toAlignedRect() : frame.toAlignedRect();
+    QPainter painter(&screen);
+    painter.translate(-frame.topLeft());
+    painter.setClipRect(exposed);
+    view.paintCanvas(painter, exposed);
 }
 
 int largestChannelDifference(const QImage &a, const QImage &b)
@@ -63,6 +82,10 @@ private slots:
     void canvasShowsWhatIsSaved_data();
     void canvasShowsWhatIsSaved();
     void handlesOfTheSelectionArePainted();
+    void partialRepaintsShowWhatAFullRepaintShows_data();
+    void partialRepaintsShowWhatAFullRepaintShows();
+    void motionRepaintsAboutWhatItTouched_data();
+    void motionRepaintsAboutWhatItTouched();
 };
 
 void CanvasDrawingTest::dragDrawsOneOverlayOfTheTool_data()
@@ -251,6 +274,100 @@ void CanvasDrawingTest::handlesOfTheSelectionArePainted()
     f.drag({f.at(0, 0), f.at(10, 10)});
     f.interaction().setSelectedOverlayID(f.model->overlays().last().id);
     QVERIFY(f.view.handles().isEmpty());
+}
+
+void CanvasDrawingTest::partialRepaintsShowWhatAFullRepaintShows_data()
+{
+    QTest::addColumn<EditorTool>("tool");
+    QTest::addColumn<double>("zoom");
+    QTest::addColumn<double>("ratio");
+    QTest::addColumn<bool>("annotated");
+    for (EditorTool tool : editortool::allCases())
+        for (double zoom : {1.0, 0.5, 2.0})
+            for (double ratio : {1.0, 2.0})
+                for (bool annotated : {false, true})
+                    QTest::addRow("%s at %g on a %gx screen%s", qPrintable(editortool::rawValue(tool)), zoom, ratio,
+                                  annotated ? " over annotations" : "")
+                        << tool << zoom << ratio << annotated;
+}
+
+void CanvasDrawingTest::partialRepaintsShowWhatAFullRepaintShows()
+{
+    QFETCH(EditorTool, tool);
+    QFETCH(double, zoom);
+    QFETCH(double, ratio);
+    QFETCH(bool, annotated);
+    EditorViewFixture f;
+    f.model->setImage(pattern());
+    if (annotated) {
+        f.place(EditorTool::Rectangle, {20, 20}, {90, 70});
+        f.place(EditorTool::Arrow, {100, 10}, {60, 60});
+        f.place(EditorTool::Mosaic, {40, 30}, {110, 95});
+        f.place(EditorTool::Text, {70, 50}, {150, 80});
+        Overlay stroke = f.place(EditorTool::Freehand, {10, 100}, {60, 110});
+        stroke.points = {{10, 100}, {50, 40}, {80, 90}};
+        f.model->replaceOverlay(stroke);
+    }
+    f.view.viewport().setZoomScale(zoom);
+    f.model->setSelectedTool(tool);
+
+    QImage screen;
+    paintFrame(screen, f.view, ratio, std::nullopt);
+    // It grows, shrinks and turns back, so that places it left must be repainted too.
+    const QList<QPointF> path{{30, 30}, {35, 33}, {80, 60}, {120, 90}, {70, 75}, {50, 40}, {52, 41}, {90, 20}};
+    f.view.pointerPressed(f.at(path.first().x(), path.first().y()));
+    int repaints = 0;
+    connect(&f.view, &ImageEditorView::changed, this, [&](ImageEditorView::Parts parts) {
+        QCOMPARE(parts, ImageEditorView::Parts(ImageEditorView::Part::CanvasPaint));
+        QVERIFY(f.view.canvasDamage());
+        paintFrame(screen, f.view, ratio, f.view.canvasDamage());
+        ++repaints;
+    });
+    for (QPointF point : path.mid(1)) {
+        f.view.pointerMoved(f.at(point.x(), point.y()));
+        QImage fresh;
+        paintFrame(fresh, f.view, ratio, std::nullopt);
+        QCOMPARE(screen, fresh);
+    }
+    QCOMPARE(repaints, path.size() - 1);
+}
+
+void CanvasDrawingTest::motionRepaintsAboutWhatItTouched_data()
+{
+    QTest::addColumn<EditorTool>("tool");
+    QTest::addColumn<QPointF>("from");
+    QTest::addColumn<QPointF>("to");
+    QTest::addColumn<QSizeF>("most"); // the largest repaint the last motion may ask for, in view points
+    // 10 points on, at the end of a long stroke: the new segment, its width and edge smoothing.
+    QTest::newRow("freehand") << EditorTool::Freehand << QPointF(100, 100) << QPointF(3000, 1800) << QSizeF(20, 20);
+    // The old and the new rectangle with their lines, not the canvas.
+    QTest::newRow("rectangle") << EditorTool::Rectangle << QPointF(1000, 1000) << QPointF(1300, 1200)
+                               << QSizeF(330, 230);
+}
+
+void CanvasDrawingTest::motionRepaintsAboutWhatItTouched()
+{
+    QFETCH(EditorTool, tool);
+    QFETCH(QPointF, from);
+    QFETCH(QPointF, to);
+    QFETCH(QSizeF, most);
+    EditorViewFixture f;
+    f.model->setImage(EditorViewFixture::picture(3840, 2160));
+    for (int i = 0; i < 50; ++i)
+        f.place(EditorTool::Rectangle, {40.0 + i * 70, 40.0 + i * 40}, {300.0 + i * 70, 200.0 + i * 40});
+    f.model->setSelectedTool(tool);
+    f.view.pointerPressed(f.at(from.x(), from.y()));
+    for (int step = 1; step <= 100; ++step) {
+        const QPointF point = from + (to - from) * step / 100;
+        f.view.pointerMoved(f.at(point.x(), point.y()));
+    }
+    f.view.pointerMoved(f.at(to.x(), to.y()) + QPointF(8, 6));
+
+    const std::optional<QRectF> damage = f.view.canvasDamage();
+    QVERIFY(damage);
+    QVERIFY2(damage->width() <= most.width() && damage->height() <= most.height(),
+             qPrintable(u"repaints %1 × %2"_s.arg(damage->width()).arg(damage->height())));
+    QVERIFY(damage->contains(f.at(to.x(), to.y()) + QPointF(8, 6)));
 }
 
 QTEST_MAIN(CanvasDrawingTest)

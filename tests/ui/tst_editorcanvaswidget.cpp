@@ -8,7 +8,9 @@
 
 #include <QApplication>
 #include <QInputMethodEvent>
+#include <QPaintEvent>
 #include <QPainter>
+#include <QScreen>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -16,6 +18,25 @@
 #include <QToolButton>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+// Keeps the region of every paint event its widget gets.
+class PaintRecorder final : public QObject
+{
+public:
+    QList<QRegion> regions;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            regions.append(static_cast<QPaintEvent *>(event)->region());
+        return false;
+    }
+};
+
+} // namespace
 
 class EditorCanvasWidgetTest : public QObject
 {
@@ -27,6 +48,7 @@ private slots:
     void canvasFollowsTheZoom();
     void opensCentredOnTheImage();
     void showsWhatTheViewPaintsWhereverItIsScrolled();
+    void drawingRepaintsOnlyWhatItTouches();
     void releaseIsOneRedraw_data();
     void releaseIsOneRedraw();
     void textBoxTakesTypingAndFollowsZoom();
@@ -111,6 +133,41 @@ void EditorCanvasWidgetTest::showsWhatTheViewPaintsWhereverItIsScrolled()
     const QPoint canvasOrigin = f.canvas()->mapTo(&f.widget, QPoint(0, 0));
     QVERIFY(canvasOrigin.x() < 0 && canvasOrigin.y() < visible.top());
     QCOMPARE(window.copy(visible), expected.copy(visible.translated(-canvasOrigin)));
+}
+
+void EditorCanvasWidgetTest::drawingRepaintsOnlyWhatItTouches()
+{
+    EditorWidgetFixture f;
+    QVERIFY(f.isReady());
+    f.scheduler.advance(1);
+    f.drag({{40, 260}, {160, 180}});
+    f.widget.toolbar()->toolButton(EditorTool::Freehand)->click();
+    QApplication::processEvents();
+    PaintRecorder recorder;
+    f.canvas()->installEventFilter(&recorder);
+    QTest::mousePress(f.canvas(), Qt::LeftButton, {}, f.at({60, 100}));
+    for (QPointF point : {QPointF(70, 110), QPointF(80, 120), QPointF(90, 125), QPointF(95, 180), QPointF(150, 200)}) {
+        QTest::mouseMove(f.canvas(), f.at(point));
+        QApplication::processEvents();
+    }
+    // Each motion of 10 points repaints about its segment; the canvas is 1400 × 1300.
+    QVERIFY(recorder.regions.size() >= 3);
+    for (const QRegion &region : std::as_const(recorder.regions).first(3))
+        QVERIFY2(region.boundingRect().width() <= 30 && region.boundingRect().height() <= 30,
+                 qPrintable(u"repainted %1 × %2"_s.arg(region.boundingRect().width()).arg(region.boundingRect().height())));
+
+    // What the window shows after those partial repaints, against a whole fresh painting.
+    QImage expected(f.canvas()->size(), QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&expected);
+    f.view->paintCanvas(painter);
+    painter.end();
+    const QImage window = f.widget.screen()->grabWindow(f.widget.winId()).toImage().convertToFormat(
+        QImage::Format_ARGB32_Premultiplied);
+    QWidget *viewport = f.widget.scrollArea()->viewport();
+    const QRect visible(viewport->mapTo(&f.widget, QPoint(0, 0)), viewport->size());
+    const QPoint canvasOrigin = f.canvas()->mapTo(&f.widget, QPoint(0, 0));
+    QCOMPARE(window.copy(visible), expected.copy(visible.translated(-canvasOrigin)));
+    QTest::mouseRelease(f.canvas(), Qt::LeftButton, {}, f.at({150, 200}));
 }
 
 void EditorCanvasWidgetTest::releaseIsOneRedraw_data()

@@ -1,34 +1,61 @@
 #include "editor/EditorCanvasPainter.h"
 
-#include "editor/OverlayPainter.h"
 #include "editor/ImageEditorModel.h"
 #include "editor/ImageEditorView.h"
+#include "editor/OverlayGeometry.h"
+#include "editor/OverlayPainter.h"
 
 #include <QPainter>
 
 namespace editorcanvas {
 
-void paintCanvas(QPainter &painter, const ImageEditorView &view)
+namespace {
+
+// Edge smoothing reaches a device pixel past a shape; two view points cover it at any pixel ratio of 1 or more.
+constexpr double smoothingMargin = 2;
+
+} // namespace
+
+QRectF overlayPaintArea(const EditorViewport &viewport, const Overlay &overlay)
+{
+    const QRectF bounds = overlaygeometry::overlayRenderBounds(overlay).toQRectF();
+    return viewport.imageToViewTransform()
+        .mapRect(bounds)
+        .adjusted(-smoothingMargin, -smoothingMargin, smoothingMargin, smoothingMargin);
+}
+
+void paintCanvas(QPainter &painter, const ImageEditorView &view, const QRectF &exposed)
 {
     if (!painter.isActive())
         return;
     const EditorViewport &viewport = view.viewport();
     const QImage &image = view.model().image();
+    const QRectF canvas(QPointF(0, 0), viewport.zoomedCanvasSize());
+    const QRectF area = exposed.isNull() ? canvas : exposed.intersected(canvas);
+    if (area.isEmpty())
+        return;
     painter.save();
+    painter.setClipRect(area, Qt::IntersectClip);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform | QPainter::TextAntialiasing);
-    painter.fillRect(QRectF(QPointF(0, 0), viewport.zoomedCanvasSize()), ImageEditorView::canvasBackground);
-    painter.drawImage(viewport.imageFrameInCanvas(), image, QRectF(image.rect()));
+    painter.fillRect(area, ImageEditorView::canvasBackground);
+    if (const QRectF frame = viewport.imageFrameInCanvas(); frame.intersects(area))
+        painter.drawImage(frame, image, QRectF(image.rect()));
 
-    painter.save();
-    painter.setTransform(viewport.imageToViewTransform(), true);
+    const auto drawIfReaching = [&](const Overlay &overlay) {
+        if (!overlayPaintArea(viewport, overlay).intersects(area))
+            return;
+        painter.save();
+        painter.setTransform(viewport.imageToViewTransform(), true);
+        overlaypainter::drawOverlay(painter, overlay, image);
+        painter.restore();
+    };
     for (Overlay overlay : view.model().overlays()) {
         if (overlay.type == EditorTool::Text)
             overlay.text.clear();
-        overlaypainter::drawOverlay(painter, overlay, image);
+        drawIfReaching(overlay);
     }
     if (const std::optional<Overlay> &active = view.interaction().activeOverlay())
-        overlaypainter::drawOverlay(painter, *active, image);
-    painter.restore();
+        drawIfReaching(*active);
 
     for (const ImageEditorView::Handle &handle : view.handles()) {
         painter.setPen(QPen(handle.outline, handle.outlineWidth));

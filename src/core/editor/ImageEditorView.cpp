@@ -26,8 +26,10 @@ ImageEditorView::ImageEditorView(std::shared_ptr<ImageEditorModel> model, Servic
     connect(&m_interaction, &CanvasInteraction::focusedTextOverlayChanged, this,
             &ImageEditorView::focusedTextOverlayChanged);
     // The zoom controls are in the toolbar.
-    connect(&m_viewport, &EditorViewport::geometryChanged, this,
-            [this] { announce(Part::CanvasGeometry | Part::Toolbar); });
+    connect(&m_viewport, &EditorViewport::geometryChanged, this, [this] {
+        addCanvasDamage(std::nullopt);
+        announce(Part::CanvasGeometry | Part::Toolbar);
+    });
     connect(&m_toolbar, &EditorToolbar::textFillOpacityChanged, this, [this] { announce(Part::Toolbar); });
 }
 
@@ -44,6 +46,8 @@ void ImageEditorView::modelChanged(ImageEditorModel::Changes changes)
     // An overlay changes with a step of the history, which also covers the selected one's font.
     if (changes & (Change::History | Change::Style))
         parts |= Part::Toolbar;
+    if (parts & (Part::CanvasGeometry | Part::CanvasContent))
+        addCanvasDamage(std::nullopt);
     announce(parts);
 }
 
@@ -60,15 +64,59 @@ void ImageEditorView::interactionChanged(CanvasInteraction::Changes changes)
         parts |= Part::CanvasPaint | Part::Toolbar;
     if (changes & Change::Mode)
         parts |= Part::Toolbar;
+    // Only the drawing moved on: its old and new places. Anything else may show anywhere.
+    if (changes == CanvasInteraction::Changes(Change::Drawing))
+        addCanvasDamage(drawingDamage());
+    else if (parts & (Part::CanvasContent | Part::CanvasPaint))
+        addCanvasDamage(std::nullopt);
+    m_paintedActiveOverlay = m_interaction.activeOverlay();
     announce(parts);
+}
+
+void ImageEditorView::addCanvasDamage(const std::optional<QRectF> &area)
+{
+    if (m_pendingDamage && area)
+        m_pendingDamage = m_pendingDamage->united(*area);
+    else
+        m_pendingDamage.reset();
+}
+
+std::optional<QRectF> ImageEditorView::drawingDamage() const
+{
+    const std::optional<Overlay> &before = m_paintedActiveOverlay;
+    const std::optional<Overlay> &after = m_interaction.activeOverlay();
+    QRectF area;
+    if (before && after && before->type == EditorTool::Freehand && after->type == EditorTool::Freehand
+        && before->color == after->color && !before->points.isEmpty()
+        && after->points.size() >= before->points.size()
+        && after->points.first() == before->points.first()
+        && after->points.at(before->points.size() - 1) == before->points.last()) {
+        // A stroke only grows at its end, and its pixels are the union of its segments': what changed
+        // lies around the new segments.
+        if (after->points.size() == before->points.size())
+            return area;
+        Overlay segments = *after;
+        segments.points = after->points.mid(before->points.size() - 1);
+        return editorcanvas::overlayPaintArea(m_viewport, segments);
+    }
+    if (before)
+        area = editorcanvas::overlayPaintArea(m_viewport, *before);
+    if (after)
+        area = area.united(editorcanvas::overlayPaintArea(m_viewport, *after));
+    return area;
 }
 
 void ImageEditorView::announce(Parts parts)
 {
-    if (m_isHandlingPointer)
+    if (m_isHandlingPointer) {
         m_pendingParts |= parts;
-    else if (parts)
-        emit changed(parts);
+        return;
+    }
+    if (!parts)
+        return;
+    if (parts & (Part::CanvasContent | Part::CanvasPaint | Part::CanvasGeometry))
+        m_canvasDamage = std::exchange(m_pendingDamage, QRectF());
+    emit changed(parts);
 }
 
 template<typename Handler>
@@ -149,7 +197,7 @@ QList<ImageEditorView::Handle> ImageEditorView::handles() const
     return handles;
 }
 
-void ImageEditorView::paintCanvas(QPainter &painter) const
+void ImageEditorView::paintCanvas(QPainter &painter, const QRectF &exposed) const
 {
-    editorcanvas::paintCanvas(painter, *this);
+    editorcanvas::paintCanvas(painter, *this, exposed);
 }

@@ -16,6 +16,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QPainter;
 class Scheduler;
@@ -99,8 +100,12 @@ public:
     QList<TextField> textFields() const;
     // The four handles of the selected overlay; none for freehand strokes.
     QList<Handle> handles() const;
-    // The whole canvas in view points: background, image, overlays, the overlay being drawn, handles.
-    void paintCanvas(QPainter &painter) const;
+    // The canvas in view points: background, image, overlays, the overlay being drawn, handles; only
+    // what lies in `exposed` when it is not null.
+    void paintCanvas(QPainter &painter, const QRectF &exposed = QRectF()) const;
+    // What the last changed() naming the canvas needs repainted, in canvas view points: absent for all
+    // of it, empty for nothing. A drag that draws names only what its overlay covered and covers.
+    const std::optional<QRectF> &canvasDamage() const { return m_canvasDamage; }
 
 signals:
     void changed(ImageEditorView::Parts parts);
@@ -111,6 +116,10 @@ private:
     void interactionChanged(CanvasInteraction::Changes changes);
     // Emitted at once, or at the end of the pointer event being handled.
     void announce(Parts parts);
+    // Adds to what the next changed() asks to repaint; absent for the whole canvas.
+    void addCanvasDamage(const std::optional<QRectF> &area);
+    // Where the overlay being drawn changed since it was last announced.
+    std::optional<QRectF> drawingDamage() const;
     template<typename Handler>
     void handlePointer(Handler handler);
 
@@ -122,6 +131,10 @@ private:
     EditorToolbar m_toolbar;
     bool m_isHandlingPointer = false;
     Parts m_pendingParts;
+    std::optional<QRectF> m_pendingDamage = QRectF();
+    std::optional<QRectF> m_canvasDamage;
+    // The overlay being drawn as the last announced damage left it on the canvas.
+    std::optional<Overlay> m_paintedActiveOverlay;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(ImageEditorView::Parts)

@@ -105,9 +105,19 @@ void drawFreehand(QPainter &painter, const QList<QPointF> &points, const QColor 
     for (const QPointF &point : points)
         devicePoints.append(toDevice.map(point));
     const double scale = std::sqrt(std::abs(toDevice.determinant()));
+    const double width = overlaygeometry::freehandLineWidth * scale;
+    // Under a clip only its pixels are rasterised: a repaint of a small area costs that area.
+    QRect within;
+    if (painter.hasClipping()) {
+        within = toDevice.mapRect(painter.clipBoundingRect()).toAlignedRect().adjusted(-1, -1, 1, 1);
+        const QRectF reach = overlaygeometry::boundsOfPoints({devicePoints.constData(), size_t(devicePoints.size())})
+                                 .toQRectF()
+                                 .adjusted(-width, -width, width, width);
+        if (!reach.intersects(within))
+            return;
+    }
     painter.save();
-    if (std::optional<roundstroke::Patch> patch =
-            roundstroke::rasterize(devicePoints, overlaygeometry::freehandLineWidth * scale, color)) {
+    if (std::optional<roundstroke::Patch> patch = roundstroke::rasterize(devicePoints, width, color, within)) {
         // What lies between the painter's own coordinates and the device: the pixel ratio, and for a
         // widget inside a window the widget's place in the window's backing store.
         const QTransform belowWorld = painter.worldTransform().inverted() * toDevice;

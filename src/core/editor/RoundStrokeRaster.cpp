@@ -53,19 +53,28 @@ void addCapsule(Coverage &coverage, QPointF a, QPointF b, double radius)
 
 } // namespace
 
-std::optional<Patch> rasterize(const QList<QPointF> &points, double width, const QColor &colour, qint64 maximumPixels)
+std::optional<Patch> rasterize(const QList<QPointF> &points, double width, const QColor &colour, const QRect &within,
+                               qint64 maximumPixels)
 {
     if (points.isEmpty() || !(width > 0) || !std::isfinite(width))
         return std::nullopt;
     const double radius = width / 2;
     const Rect extent = overlaygeometry::boundsOfPoints({points.constData(), size_t(points.size())});
     const double reach = radius + 1;
-    const double left = std::floor(extent.minX() - reach);
-    const double top = std::floor(extent.minY() - reach);
-    const double columns = std::ceil(extent.maxX() + reach) - left;
-    const double rows = std::ceil(extent.maxY() + reach) - top;
+    double left = std::floor(extent.minX() - reach);
+    double top = std::floor(extent.minY() - reach);
+    double right = std::ceil(extent.maxX() + reach);
+    double bottom = std::ceil(extent.maxY() + reach);
+    if (!within.isNull()) {
+        left = std::max(left, double(within.left()));
+        top = std::max(top, double(within.top()));
+        right = std::min(right, double(within.right()) + 1);
+        bottom = std::min(bottom, double(within.bottom()) + 1);
+    }
+    const double columns = right - left;
+    const double rows = bottom - top;
     if (!std::isfinite(columns) || !std::isfinite(rows) || std::abs(left) > 1e9 || std::abs(top) > 1e9
-        || columns * rows > double(maximumPixels))
+        || !(columns > 0) || !(rows > 0) || columns * rows > double(maximumPixels))
         return std::nullopt;
 
     Coverage coverage{QRect(int(left), int(top), int(columns), int(rows)), {}};

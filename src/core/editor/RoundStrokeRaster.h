@@ -4,6 +4,7 @@
 #include <QImage>
 #include <QList>
 #include <QPoint>
+#include <QRect>
 #include <QPointF>
 
 #include <optional>
@@ -24,9 +25,11 @@ struct Patch
     QPoint topLeft;
 };
 
-// `points` and `width` in device pixels. Absent when there is nothing to draw, a coordinate is not a
-// number, or the stroke would cover more than `maximumPixels`.
+// `points` and `width` in device pixels. Only the pixels inside `within` are made when it is not null;
+// they are the same as in the whole stroke, since each pixel depends on the capsules alone. Absent when
+// there is nothing to draw there, a coordinate is not a number, or the patch would cover more than
+// `maximumPixels`.
 std::optional<Patch> rasterize(const QList<QPointF> &points, double width, const QColor &colour,
-                               qint64 maximumPixels = qint64(1) << 24);
+                               const QRect &within = QRect(), qint64 maximumPixels = qint64(1) << 24);
 
 } // namespace roundstroke
