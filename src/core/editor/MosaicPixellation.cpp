@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 #include <vector>
 
 namespace mosaic {
@@ -19,6 +20,21 @@ std::pair<qint64, qint64> pixelSpan(double low, double high)
 qint64 blockOf(qint64 pixel, double edge)
 {
     return qint64(std::floor((double(pixel) + 0.5) / edge));
+}
+
+// The pixels [first, end) narrowed to the whole blocks that reach into [low, high].
+std::pair<qint64, qint64> blocksReaching(qint64 first, qint64 end, qint64 low, qint64 high, double edge)
+{
+    // The first pixel of a block, as blockOf() assigns pixels whatever the rounding.
+    const auto blockStart = [edge](qint64 block) {
+        qint64 pixel = qint64(std::ceil(double(block) * edge - 0.5));
+        while (blockOf(pixel - 1, edge) >= block)
+            --pixel;
+        while (blockOf(pixel, edge) < block)
+            ++pixel;
+        return pixel;
+    };
+    return {std::max(first, blockStart(blockOf(low, edge))), std::min(end, blockStart(blockOf(high, edge) + 1))};
 }
 
 // The block index of each pixel in [first, end), relative to the block of `first`.
@@ -38,7 +54,7 @@ double blockEdge(const Rect &rect)
     return std::max(5.0, std::min(std::abs(rect.width()), std::abs(rect.height())) / 24);
 }
 
-std::optional<Patch> pixellate(const QImage &source, const Rect &rect)
+std::optional<Patch> pixellate(const QImage &source, const Rect &rect, const QRect &within)
 {
     if (source.isNull() || !rect.isFinite() || rect.isEmpty())
         return std::nullopt;
@@ -46,18 +62,34 @@ std::optional<Patch> pixellate(const QImage &source, const Rect &rect)
     constexpr double farthest = 1 << 30;
     if (box.minX() < -farthest || box.minY() < -farthest || box.maxX() > farthest || box.maxY() > farthest)
         return std::nullopt;
-    const auto [left, right] = pixelSpan(box.minX(), box.maxX());
-    const auto [bottom, top] = pixelSpan(box.minY(), box.maxY());
+    auto [left, right] = pixelSpan(box.minX(), box.maxX());
+    auto [bottom, top] = pixelSpan(box.minY(), box.maxY());
     if (right <= left || top <= bottom || right - left > 65535 || top - bottom > 65535)
         return std::nullopt;
+    const double edge = blockEdge(box);
+    if (!within.isNull()) {
+        std::tie(left, right) = blocksReaching(left, right, within.left(), within.right(), edge);
+        std::tie(bottom, top) = blocksReaching(bottom, top, within.top(), within.bottom(), edge);
+        if (right <= left || top <= bottom)
+            return Patch{};
+    }
 
     // The source pixels under the patch (y up).
     const qint64 srcLeft = std::max<qint64>(left, 0);
     const qint64 srcRight = std::min<qint64>(right, source.width());
     const qint64 srcBottom = std::max<qint64>(bottom, 0);
     const qint64 srcTop = std::min<qint64>(top, source.height());
-    if (srcRight <= srcLeft || srcTop <= srcBottom)
-        return std::nullopt;
+    if (srcRight <= srcLeft || srcTop <= srcBottom) {
+        if (within.isNull())
+            return std::nullopt;
+        // A part of a larger mosaic lying off the image: its blocks are transparent.
+        Patch clear{QImage(int(right - left), int(top - bottom), QImage::Format_ARGB32_Premultiplied),
+                    QRect(int(left), int(bottom), int(right - left), int(top - bottom))};
+        if (clear.image.isNull())
+            return std::nullopt;
+        clear.image.fill(Qt::transparent);
+        return clear;
+    }
     const QImage under = source
                              .copy(int(srcLeft), int(source.height() - srcTop), int(srcRight - srcLeft),
                                    int(srcTop - srcBottom))
@@ -65,7 +97,6 @@ std::optional<Patch> pixellate(const QImage &source, const Rect &rect)
     if (under.isNull())
         return std::nullopt;
 
-    const double edge = blockEdge(box);
     const std::vector<qsizetype> columnBlocks = blockIndices(left, right, edge);
     const std::vector<qsizetype> rowBlocks = blockIndices(bottom, top, edge);
     const qsizetype blockColumns = columnBlocks.back() + 1;

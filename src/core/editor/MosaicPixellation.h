@@ -29,6 +29,9 @@ struct Patch
 
 // The pixellated patch of `source` under `rect` (image coordinates, y up). Absent when there is
 // nothing to pixellate: no finite area, no source pixel under it, or no memory for the patch.
-std::optional<Patch> pixellate(const QImage &source, const Rect &rect);
+// With `within` (image pixels, y up) only the blocks reaching into it are made, the same as in the
+// whole patch; they may all be transparent, outside the image, and the patch is empty (a null image)
+// when no block reaches into it.
+std::optional<Patch> pixellate(const QImage &source, const Rect &rect, const QRect &within = QRect());
 
 } // namespace mosaic

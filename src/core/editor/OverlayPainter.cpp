@@ -145,8 +145,20 @@ void drawMosaic(QPainter &painter, const Rect &rect, const QImage &sourceImage)
 {
     if (!painter.isActive())
         return;
+    // Under a clip only the blocks reaching into it are made.
+    QRect within;
+    if (painter.hasClipping()) {
+        const QRectF clip = painter.clipBoundingRect();
+        if (!clip.intersects(rect.standardized().toQRectF()))
+            return;
+        within = clip.toAlignedRect().adjusted(-1, -1, 1, 1);
+    }
     painter.save();
-    if (const std::optional<mosaic::Patch> patch = mosaic::pixellate(sourceImage, rect)) {
+    if (const std::optional<mosaic::Patch> patch = mosaic::pixellate(sourceImage, rect, within)) {
+        if (patch->image.isNull()) {
+            painter.restore();
+            return;
+        }
         const QRect &pixels = patch->pixels;
         const QRectF box = beginUpright(painter, Rect(pixels.x(), pixels.y(), pixels.width(), pixels.height()));
         // Blocks stay crisp when the canvas is zoomed.
