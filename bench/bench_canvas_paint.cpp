@@ -73,14 +73,15 @@ void paintPerMotion(benchmark::State &state)
             state.ResumeTiming();
         }
         view.pointerMoved(along(motion));
-        const QRect damage = view.canvasDamage() ? view.canvasDamage()->toAlignedRect().intersected(frame.toAlignedRect())
-                                                 : frame.toAlignedRect();
+        const QRegion damage = view.canvasDamage() ? view.canvasDamage()->intersected(frame.toAlignedRect())
+                                                   : QRegion(frame.toAlignedRect());
         QPainter painter(&screen);
         painter.translate(-frame.topLeft());
-        painter.setClipRect(damage);
+        painter.setClipRegion(damage);
         view.paintCanvas(painter, damage);
         painter.end();
-        paintedPixels += qint64(damage.width()) * damage.height();
+        for (const QRect &rect : damage)
+            paintedPixels += qint64(rect.width()) * rect.height();
         benchmark::DoNotOptimize(screen.constBits());
     }
     state.counters["painted_px"] = benchmark::Counter(double(paintedPixels), benchmark::Counter::kAvgIterations);

@@ -84,17 +84,17 @@ void EditorCanvasWidget::syncTextFocus()
 
 void EditorCanvasWidget::updateDamage()
 {
-    const std::optional<QRectF> &damage = m_view.canvasDamage();
+    const std::optional<QRegion> &damage = m_view.canvasDamage();
     if (!damage)
         update();
     else if (!damage->isEmpty())
-        update(damage->toAlignedRect());
+        update(*damage);
 }
 
 void EditorCanvasWidget::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    m_view.paintCanvas(painter, event->rect());
+    m_view.paintCanvas(painter, event->region());
 }
 
 void EditorCanvasWidget::mousePressEvent(QMouseEvent *event)

@@ -73,19 +73,19 @@ void ImageEditorView::interactionChanged(CanvasInteraction::Changes changes)
     announce(parts);
 }
 
-void ImageEditorView::addCanvasDamage(const std::optional<QRectF> &area)
+void ImageEditorView::addCanvasDamage(const std::optional<QRegion> &area)
 {
     if (m_pendingDamage && area)
-        m_pendingDamage = m_pendingDamage->united(*area);
+        *m_pendingDamage += *area;
     else
         m_pendingDamage.reset();
 }
 
-std::optional<QRectF> ImageEditorView::drawingDamage() const
+QRegion ImageEditorView::drawingDamage() const
 {
     const std::optional<Overlay> &before = m_paintedActiveOverlay;
     const std::optional<Overlay> &after = m_interaction.activeOverlay();
-    QRectF area;
+    QRegion area;
     if (before && after && before->type == EditorTool::Freehand && after->type == EditorTool::Freehand
         && before->color == after->color && !before->points.isEmpty()
         && after->points.size() >= before->points.size()
@@ -97,12 +97,14 @@ std::optional<QRectF> ImageEditorView::drawingDamage() const
             return area;
         Overlay segments = *after;
         segments.points = after->points.mid(before->points.size() - 1);
-        return editorcanvas::overlayPaintArea(m_viewport, segments);
+        return editorcanvas::overlayPaintRegion(m_viewport, segments);
     }
+    if (before && after)
+        return editorcanvas::overlayChangeRegion(m_viewport, *before, *after);
     if (before)
-        area = editorcanvas::overlayPaintArea(m_viewport, *before);
+        area = editorcanvas::overlayPaintRegion(m_viewport, *before);
     if (after)
-        area = area.united(editorcanvas::overlayPaintArea(m_viewport, *after));
+        area += editorcanvas::overlayPaintRegion(m_viewport, *after);
     return area;
 }
 
@@ -115,7 +117,7 @@ void ImageEditorView::announce(Parts parts)
     if (!parts)
         return;
     if (parts & (Part::CanvasContent | Part::CanvasPaint | Part::CanvasGeometry))
-        m_canvasDamage = std::exchange(m_pendingDamage, QRectF());
+        m_canvasDamage = std::exchange(m_pendingDamage, QRegion());
     emit changed(parts);
 }
 
@@ -197,7 +199,12 @@ QList<ImageEditorView::Handle> ImageEditorView::handles() const
     return handles;
 }
 
-void ImageEditorView::paintCanvas(QPainter &painter, const QRectF &exposed) const
+void ImageEditorView::paintCanvas(QPainter &painter) const
+{
+    editorcanvas::paintCanvas(painter, *this);
+}
+
+void ImageEditorView::paintCanvas(QPainter &painter, const QRegion &exposed) const
 {
     editorcanvas::paintCanvas(painter, *this, exposed);
 }

@@ -12,6 +12,7 @@
 #include <QList>
 #include <QObject>
 #include <QRectF>
+#include <QRegion>
 #include <QUuid>
 
 #include <functional>
@@ -100,12 +101,13 @@ public:
     QList<TextField> textFields() const;
     // The four handles of the selected overlay; none for freehand strokes.
     QList<Handle> handles() const;
-    // The canvas in view points: background, image, overlays, the overlay being drawn, handles; only
-    // what lies in `exposed` when it is not null.
-    void paintCanvas(QPainter &painter, const QRectF &exposed = QRectF()) const;
+    // The whole canvas in view points: background, image, overlays, the overlay being drawn, handles.
+    void paintCanvas(QPainter &painter) const;
+    // The same, only what lies in `exposed`.
+    void paintCanvas(QPainter &painter, const QRegion &exposed) const;
     // What the last changed() naming the canvas needs repainted, in canvas view points: absent for all
     // of it, empty for nothing. A drag that draws names only what its overlay covered and covers.
-    const std::optional<QRectF> &canvasDamage() const { return m_canvasDamage; }
+    const std::optional<QRegion> &canvasDamage() const { return m_canvasDamage; }
 
 signals:
     void changed(ImageEditorView::Parts parts);
@@ -117,9 +119,9 @@ private:
     // Emitted at once, or at the end of the pointer event being handled.
     void announce(Parts parts);
     // Adds to what the next changed() asks to repaint; absent for the whole canvas.
-    void addCanvasDamage(const std::optional<QRectF> &area);
+    void addCanvasDamage(const std::optional<QRegion> &area);
     // Where the overlay being drawn changed since it was last announced.
-    std::optional<QRectF> drawingDamage() const;
+    QRegion drawingDamage() const;
     template<typename Handler>
     void handlePointer(Handler handler);
 
@@ -131,8 +133,8 @@ private:
     EditorToolbar m_toolbar;
     bool m_isHandlingPointer = false;
     Parts m_pendingParts;
-    std::optional<QRectF> m_pendingDamage = QRectF();
-    std::optional<QRectF> m_canvasDamage;
+    std::optional<QRegion> m_pendingDamage = QRegion();
+    std::optional<QRegion> m_canvasDamage;
     // The overlay being drawn as the last announced damage left it on the canvas.
     std::optional<Overlay> m_paintedActiveOverlay;
 };
