@@ -35,6 +35,16 @@ void EditorCanvasWidget::syncWithView()
     update();
 }
 
+void EditorCanvasWidget::syncContent()
+{
+    if (size() != sizeHint()) {
+        syncWithView();
+        return;
+    }
+    syncTextFields();
+    updateDamage();
+}
+
 void EditorCanvasWidget::syncTextFields()
 {
     QHash<QUuid, OverlayTextField *> stale = m_textFields;

@@ -28,6 +28,8 @@ public:
 
     // Follows the view: size, text fields, then a repaint.
     void syncWithView();
+    // The same after a change of the document, repainting only what it damaged.
+    void syncContent();
     // Gives the keyboard to the field of the box the view focuses, if any.
     void syncTextFocus();
     // Repaints what the view's last change damaged.

@@ -43,10 +43,14 @@ ImageEditorWidget::ImageEditorWidget(std::shared_ptr<ImageEditorView> view, QWid
     m_scrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_scrollArea->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     m_scrollArea->setFrameShape(QFrame::NoFrame);
-    QPalette background = m_scrollArea->palette();
+    // The background on the viewport only: a palette set on the scroll area would reach its scroll
+    // bars as a new palette in every editor, and the style caches what it draws under the palette.
+    QWidget *viewport = m_scrollArea->viewport();
+    QPalette background = viewport->palette();
     background.setColor(QPalette::Window, ImageEditorView::canvasBackground);
-    m_scrollArea->setPalette(background);
-    m_scrollArea->setBackgroundRole(QPalette::Window);
+    viewport->setPalette(background);
+    viewport->setBackgroundRole(QPalette::Window);
+    viewport->setAutoFillBackground(true);
     m_scrollArea->viewport()->installEventFilter(this);
 
     auto *column = new QVBoxLayout(this);
@@ -113,7 +117,7 @@ void ImageEditorWidget::viewChanged(ImageEditorView::Parts parts)
     if (parts & Part::CanvasGeometry)
         canvasGeometryChanged();
     else if (parts & Part::CanvasContent)
-        m_canvas->syncWithView();
+        m_canvas->syncContent();
     else if (parts & Part::CanvasPaint)
         m_canvas->updateDamage();
     if (parts & Part::Toolbar)

@@ -48,6 +48,7 @@ void ImageEditorView::modelChanged(ImageEditorModel::Changes changes)
         parts |= Part::Toolbar;
     if (parts & (Part::CanvasGeometry | Part::CanvasContent))
         addCanvasDamage(std::nullopt);
+    m_paintedSelectedOverlay = m_interaction.selectedOverlay();
     announce(parts);
 }
 
@@ -67,9 +68,12 @@ void ImageEditorView::interactionChanged(CanvasInteraction::Changes changes)
     // Only the drawing moved on: its old and new places. Anything else may show anywhere.
     if (changes == CanvasInteraction::Changes(Change::Drawing))
         addCanvasDamage(drawingDamage());
+    else if (changes == CanvasInteraction::Changes(Change::Dragging))
+        addCanvasDamage(editDragDamage());
     else if (parts & (Part::CanvasContent | Part::CanvasPaint))
         addCanvasDamage(std::nullopt);
     m_paintedActiveOverlay = m_interaction.activeOverlay();
+    m_paintedSelectedOverlay = m_interaction.selectedOverlay();
     announce(parts);
 }
 
@@ -105,6 +109,22 @@ QRegion ImageEditorView::drawingDamage() const
         area = editorcanvas::overlayPaintRegion(m_viewport, *before);
     if (after)
         area += editorcanvas::overlayPaintRegion(m_viewport, *after);
+    return area;
+}
+
+std::optional<QRegion> ImageEditorView::editDragDamage() const
+{
+    const std::optional<Overlay> &before = m_paintedSelectedOverlay;
+    const std::optional<Overlay> after = m_interaction.selectedOverlay();
+    if (!before || !after || before->id != after->id)
+        return std::nullopt;
+    QRegion area = editorcanvas::overlayChangeRegion(m_viewport, *before, *after);
+    for (const Overlay *overlay : {&*before, &*after})
+        for (const Handle &handle : handlesOf(*overlay)) {
+            // The ring's outer edge and its smoothing.
+            const double reach = handle.diameter / 2 + handle.outlineWidth / 2 + 2;
+            area += QRectF(handle.center - QPointF(reach, reach), QSizeF(2 * reach, 2 * reach)).toAlignedRect();
+        }
     return area;
 }
 
@@ -190,10 +210,15 @@ QList<ImageEditorView::TextField> ImageEditorView::textFields() const
 QList<ImageEditorView::Handle> ImageEditorView::handles() const
 {
     const std::optional<Overlay> selected = m_interaction.selectedOverlay();
-    if (!selected || !canvasrules::hasHandles(selected->type))
+    return selected ? handlesOf(*selected) : QList<Handle>();
+}
+
+QList<ImageEditorView::Handle> ImageEditorView::handlesOf(const Overlay &overlay) const
+{
+    if (!canvasrules::hasHandles(overlay.type))
         return {};
     QList<Handle> handles;
-    for (QPointF center : canvasrules::handlePositions(m_viewport.overlayRectInView(*selected)))
+    for (QPointF center : canvasrules::handlePositions(m_viewport.overlayRectInView(overlay)))
         handles.append({center, canvasrules::handleDiameter, systemcolors::white(), systemcolors::systemRed(),
                         canvasrules::handleOutlineWidth});
     return handles;

@@ -122,6 +122,9 @@ private:
     void addCanvasDamage(const std::optional<QRegion> &area);
     // Where the overlay being drawn changed since it was last announced.
     QRegion drawingDamage() const;
+    // Where the overlay an edit drag moves or resizes changed, handles included; absent for all of it.
+    std::optional<QRegion> editDragDamage() const;
+    QList<Handle> handlesOf(const Overlay &overlay) const;
     template<typename Handler>
     void handlePointer(Handler handler);
 
@@ -137,6 +140,7 @@ private:
     std::optional<QRegion> m_canvasDamage;
     // The overlay being drawn as the last announced damage left it on the canvas.
     std::optional<Overlay> m_paintedActiveOverlay;
+    std::optional<Overlay> m_paintedSelectedOverlay;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(ImageEditorView::Parts)
