@@ -1,5 +1,6 @@
 #include "SymbolIcons.h"
 
+#include <QHash>
 #include <QPainter>
 #include <QPainterPath>
 #include <QStyle>
@@ -28,9 +29,7 @@ const QList<Counterpart> &counterparts()
     return table;
 }
 
-} // namespace
-
-QIcon icon(const QString &symbolName, const QStyle *style)
+QIcon makeIcon(const QString &symbolName, const QStyle *style)
 {
     for (const Counterpart &entry : counterparts()) {
         if (entry.symbolName != symbolName)
@@ -40,6 +39,21 @@ QIcon icon(const QString &symbolName, const QStyle *style)
         return style ? style->standardIcon(entry.fallback) : QIcon();
     }
     return QIcon();
+}
+
+} // namespace
+
+QIcon icon(const QString &symbolName, const QStyle *style)
+{
+    // One icon per symbol and style for the life of the process: the style caches an icon's pixmaps
+    // under the icon's own key, so a fresh icon for every new button (each editor window has its
+    // own) would leave a dead copy in that cache each time. Main thread, like every widget.
+    static QHash<std::pair<const QStyle *, QString>, QIcon> made;
+    const std::pair<const QStyle *, QString> key{style, symbolName};
+    auto found = made.constFind(key);
+    if (found == made.constEnd())
+        found = made.insert(key, makeIcon(symbolName, style));
+    return *found;
 }
 
 QImage renderPhotoSymbol(int size, const QColor &color)

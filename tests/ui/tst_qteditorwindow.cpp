@@ -5,8 +5,11 @@
 
 #include "editor/ImageEditorModel.h"
 
+#include <QAbstractButton>
 #include <QGuiApplication>
+#include <QPointer>
 #include <QScreen>
+#include <QScrollBar>
 #include <QSignalSpy>
 
 using namespace Qt::StringLiterals;
@@ -20,6 +23,7 @@ private slots:
     void controlQClosesOnlyThatWindow_data();
     void controlQClosesOnlyThatWindow();
     void closingADetachedWindowForgetsIt();
+    void aNewEditorDrawsWithTheStylesCachedByTheLastOne();
 };
 
 void QtEditorWindowTest::launcherShowsTheDropTargetInAnEditorWindow()
@@ -99,6 +103,32 @@ void QtEditorWindowTest::closingADetachedWindowForgetsIt()
     QVERIFY(window->widget()->close());
     f.settle();
     QVERIFY(f.manager.detachedEditorWindows().isEmpty());
+}
+
+// The widget style keeps what it drew under keys made of the icon and the palette: an editor whose
+// icons or scroll bar palette were new each time would fill the style's cache with dead entries.
+void QtEditorWindowTest::aNewEditorDrawsWithTheStylesCachedByTheLastOne()
+{
+    EditorWindowsFixture f;
+    const auto styleKeys = [](QWidget *editor) {
+        QList<qint64> keys;
+        for (const QAbstractButton *button : editor->findChildren<QAbstractButton *>())
+            if (!button->icon().isNull())
+                keys.append(button->icon().cacheKey());
+        for (const QScrollBar *bar : editor->findChildren<QScrollBar *>())
+            keys.append(qint64(bar->palette().cacheKey()));
+        return keys;
+    };
+    f.openCapture(EditorWindowsFixture::picture());
+    QPointer<QWidget> first = f.primary()->contentWidget();
+    const QList<qint64> firstKeys = styleKeys(first);
+    QVERIFY(!firstKeys.isEmpty());
+    f.key(f.primary(), Qt::Key_Q, Qt::ControlModifier);
+    QVERIFY(!f.manager.editorWindow());
+    QVERIFY(!first);
+
+    f.openCapture(EditorWindowsFixture::picture());
+    QCOMPARE(styleKeys(f.primary()->contentWidget()), firstKeys);
 }
 
 QTEST_MAIN(QtEditorWindowTest)
