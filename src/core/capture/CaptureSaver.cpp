@@ -95,14 +95,6 @@ QString CaptureSaver::makeFileName(const SaveSettings &settings) const
     return filenaming::makeFileName(settings.filenamePrefix, settings.includeDate, m_services.clock.now());
 }
 
-std::optional<QString> CaptureSaver::saveImage(const QImage &image, const SaveSettings &settings) const
-{
-    const ImageWriter::Outcome outcome = m_writer.write(saveRequest(image, settings));
-    if (outcome.failure)
-        return std::nullopt;
-    return outcome.filePath;
-}
-
 ImageWriter::Request CaptureSaver::saveRequest(const QImage &image, const SaveSettings &settings) const
 {
     return {image, filenaming::resolvedFolderPath(settings.saveFolderPath), makeFileName(settings), captureTexts()};

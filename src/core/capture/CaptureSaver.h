@@ -6,14 +6,12 @@
 #include <QSizeF>
 #include <QString>
 
-#include <optional>
-
 class EditorHandOff;
 struct CaptureServices;
 
 // What happens to a captured image: the shutter sound and the clipboard at once, the PNG file through
 // the image writer on a worker thread, then the hand-off to the editor back on the main thread. Owned
-// by the capture controller; main thread except saveImage().
+// by the capture controller; main thread.
 class CaptureSaver final
 {
 public:
@@ -42,9 +40,6 @@ public:
     void copyImageToClipboard(const QImage &image);
 
     SaveSettings currentSaveSettings() const;
-    // Writes the PNG into the save folder, creating the folder when it is missing; the file's path, or
-    // nothing after logging why. Any thread.
-    std::optional<QString> saveImage(const QImage &image, const SaveSettings &settings) const;
     QString makeFileName(const SaveSettings &settings) const;
 
 private:

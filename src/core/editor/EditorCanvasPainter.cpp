@@ -33,14 +33,13 @@ void paintArea(QPainter &painter, const ImageEditorView &view, const QRectF &are
     painter.fillRect(area, ImageEditorView::canvasBackground);
     if (const QRectF frame = viewport.imageFrameInCanvas(); frame.intersects(area))
         painter.drawImage(frame, image, QRectF(image.rect()));
+    painter.save();
+    painter.setTransform(viewport.imageToViewTransform(), true);
     for (const PlacedOverlay &placed : overlays) {
-        if (!placed.area.intersects(area))
-            continue;
-        painter.save();
-        painter.setTransform(viewport.imageToViewTransform(), true);
-        overlaypainter::drawOverlay(painter, placed.overlay, image);
-        painter.restore();
+        if (placed.area.intersects(area))
+            overlaypainter::drawOverlay(painter, placed.overlay, image);
     }
+    painter.restore();
     for (const ImageEditorView::Handle &handle : view.handles()) {
         painter.setPen(QPen(handle.outline, handle.outlineWidth));
         painter.setBrush(handle.fill);
