@@ -9,11 +9,12 @@ build=(g++ cmake ninja-build ccache pkg-config
        qt6-base-dev qt6-base-dev-tools qt6-image-formats-plugins
        libpng-dev libdeflate-dev zlib1g-dev
        libxcb1-dev libxcb-shm0-dev libxcb-keysyms1-dev libxcb-randr0-dev libxcb-xtest0-dev x11proto-dev
-       libcanberra-dev libbenchmark-dev
+       libcanberra-dev libbenchmark-dev libwayland-dev wayland-protocols qt6-wayland
        fonts-dejavu-core fonts-noto-cjk sound-theme-freedesktop)
 test=(libxcb-xfixes0-dev libxcb-xkb-dev xvfb xauth openbox dunst dbus dbus-x11 xdotool xclip x11-xserver-utils x11-utils
       imagemagick python3 python3-pil python3-dbus python3-gi trayer at-spi2-core gir1.2-atspi-2.0
-      desktop-file-utils clang libclang-rt-14-dev)
+      desktop-file-utils clang libclang-rt-14-dev
+      sway grim wtype wl-clipboard)
 run=(xdg-utils)
 bench=(scrot maim flameshot kde-spectacle imagemagick hyperfine time xrestop)
 
