@@ -1,11 +1,11 @@
 #include "CaptureCommand.h"
 
+#include "DesktopSession.h"
 #include "JsonFileKeyValueStore.h"
 #include "LinuxSystemLog.h"
 #include "PngEncoder.h"
-#include "X11Monitors.h"
-#include "X11RootReader.h"
-#include "X11SessionCheck.h"
+#include "WaylandCaptureSource.h"
+#include "X11CaptureSource.h"
 #include "XdgFolders.h"
 
 #include "output/FileNaming.h"
@@ -46,41 +46,6 @@ int fail(const QString &reason)
 {
     std::fprintf(stderr, "vistrel: %s\n", reason.toLocal8Bit().constData());
     return commandline::exitFailure;
-}
-
-QString describe(const QRect &r)
-{
-    return u"%1,%2 %3x%4"_s.arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
-}
-
-// The part of the root window to read, or why there is none.
-std::variant<QRect, Failure> area(const commandline::CaptureOptions &options, xcb_connection_t *connection,
-                                  QSize rootSize)
-{
-    const QRect screen(QPoint(0, 0), rootSize);
-    if (options.region) {
-        if (!screen.contains(*options.region))
-            return Failure{u"region %1 is not within the screen (%2x%3)"_s.arg(describe(*options.region))
-                               .arg(rootSize.width()).arg(rootSize.height())};
-        return *options.region;
-    }
-    if (!options.display)
-        return screen;
-    const QList<x11monitors::Monitor> monitors = x11monitors::list(connection);
-    // Without RandR the whole screen is the one display.
-    if (monitors.isEmpty() && *options.display == 0)
-        return screen;
-    if (*options.display >= monitors.size()) {
-        QStringList known;
-        for (qsizetype i = 0; i < monitors.size(); ++i)
-            known.append(u"%1 %2 %3"_s.arg(i).arg(monitors.at(i).name, describe(monitors.at(i).native)));
-        return Failure{u"there is no display %1; the displays are: %2"_s.arg(*options.display)
-                           .arg(known.isEmpty() ? u"0 (the whole screen)"_s : known.join(u", "_s))};
-    }
-    const QRect native = monitors.at(*options.display).native.intersected(screen);
-    if (native.isEmpty())
-        return Failure{u"display %1 lies outside the screen"_s.arg(*options.display)};
-    return native;
 }
 
 // Where a capture is saved without -o, creating the folder when it is missing.
@@ -136,23 +101,15 @@ std::optional<QString> writeOutput(const PngPixels &pixels, const QString &path)
 int run(const commandline::CaptureOptions &options, const QProcessEnvironment &environment,
         const CopyToClipboard &copyToClipboard)
 {
-    if (const std::optional<QString> missing = x11session::missingDisplayMessage(environment))
+    const std::variant<desktopsession::Kind, QString> session = desktopsession::choose(environment);
+    if (const QString *missing = std::get_if<QString>(&session))
         return fail(*missing);
-    const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection(xcb_connect(nullptr, nullptr),
-                                                                                   &xcb_disconnect);
-    if (xcb_connection_has_error(connection.get()))
-        return fail(x11session::unreachableDisplayText(environment.value(u"DISPLAY"_s)));
-
-    X11RootReader reader(connection.get());
-    const std::variant<QRect, Failure> rect = area(options, connection.get(), reader.rootSize());
-    if (const Failure *failure = std::get_if<Failure>(&rect))
-        return fail(failure->reason);
-    // Read once and written from where the server put it: the segment is not needed again.
-    const X11RootReader::Read read = reader.read(std::get<QRect>(rect), true);
-    if (read.pixels.isNull())
-        return fail(u"cannot read the screen: "_s % read.error.value_or(u"unknown error"_s));
-    const PngPixels pixels{read.pixels.data, read.pixels.width, read.pixels.height, read.pixels.bytesPerLine,
-                           PngPixels::Layout::Opaque32, true};
+    const CaptureRead read = std::get<desktopsession::Kind>(session) == desktopsession::Kind::Wayland
+                                 ? waylandcapturesource::read(options)
+                                 : x11capturesource::read(options, environment);
+    if (const QString *failure = std::get_if<QString>(&read))
+        return fail(*failure);
+    const PngPixels &pixels = std::get<CapturedPixels>(read).pixels;
 
     if (options.output) {
         const std::optional<QString> problem = writeOutput(pixels, *options.output);

@@ -7,9 +7,10 @@
 
 #include <functional>
 
-// `vistrel capture`: the whole screen, one display or a rectangle of it, read from the X server and
-// written as PNG in this process, through the application's own reader (X11RootReader) and encoder
-// (pngencoder), with no overlay and no Qt GUI library: it is over before a GUI program has started.
+// `vistrel capture`: the whole screen, one display or a rectangle of it, read from the X server or the
+// Wayland compositor and written as PNG in this process, through the application's own readers and
+// encoder (pngencoder), with no overlay and no Qt GUI library: it is over before a GUI program has
+// started.
 //
 // With -o the file is written exactly there ("-": standard output). Without it the capture is saved as
 // captures are (the settings' folder, prefix and date), its path printed, and `copyToClipboard` asked

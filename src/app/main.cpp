@@ -9,7 +9,7 @@
 #include "DesktopWorkspace.h"
 #include "InstanceChannel.h"
 #include "ProcessMemory.h"
-#include "X11SessionCheck.h"
+#include "DesktopSession.h"
 
 #include "AppLaunch.h"
 
@@ -53,10 +53,11 @@ extern "C" Q_DECL_EXPORT int vistrelApplicationMain(int argc, char **argv)
 {
     processmemory::returnLargeBlocksToTheSystem();
     const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    if (const std::optional<QString> missing = x11session::missingDisplayMessage(environment))
+    const std::variant<desktopsession::Kind, QString> session = desktopsession::choose(environment);
+    if (const QString *missing = std::get_if<QString>(&session))
         return refuse(*missing);
     if (const std::optional<QString> unreachable =
-            x11session::unreachableDisplayMessage(environment.value(u"DISPLAY"_s)))
+            desktopsession::unreachableDisplayMessage(environment.value(u"DISPLAY"_s)))
         return refuse(*unreachable);
     // Global key grabs, screen reads and the window list need X11, also under Xwayland.
     qputenv("QT_QPA_PLATFORM", "xcb");

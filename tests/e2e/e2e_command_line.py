@@ -67,7 +67,7 @@ check(not os.path.exists(os.path.join(OUT, "beyond.png")) and not os.path.exists
       f"failed captures left files: {os.listdir(OUT)}")
 without_display = run(VISTREL, "capture", "-o", os.path.join(OUT, "x.png"),
                       env=dict(os.environ, DISPLAY="", WAYLAND_DISPLAY="", XDG_SESSION_TYPE="x11"))
-check(without_display.returncode == 1 and without_display.stderr.startswith("vistrel: DISPLAY is not set"),
+check(without_display.returncode == 1 and without_display.stderr.startswith("vistrel: Neither DISPLAY nor WAYLAND_DISPLAY is set"),
       f"without a display: {without_display.returncode} {without_display.stderr!r}")
 
 # Commands for the running instance, with none running.
