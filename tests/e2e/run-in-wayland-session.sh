@@ -1,0 +1,157 @@
+#!/usr/bin/env bash
+# Runs a command inside a throw-away Wayland desktop: a headless sway with two outputs, HEADLESS-1
+# (1280x720 at 0,0, scale 1) and HEADLESS-2 (1920x1080 pixels at 1280,0, scale 2), each showing the
+# desk image (mkdesk.py) at its own pixel size, a private D-Bus session with the dunst notification
+# server. Everything is torn down when the command ends; the command's exit status is kept.
+#
+#   run-in-wayland-session.sh -- COMMAND [ARGUMENT...]
+#
+# sway refuses to run as root, so when started as root the compositor, its clients and the command run
+# as nobody (uid/gid 65534). The command sees WAYLAND_DISPLAY, SWAYSOCK, XDG_RUNTIME_DIR,
+# DBUS_SESSION_BUS_ADDRESS, QT_QPA_PLATFORM=wayland, no DISPLAY, VISTREL_E2E_BACKGROUND_HEADLESS_1 and
+# _HEADLESS_2 (the PNG each output shows; VISTREL_E2E_BACKGROUND is HEADLESS-1's), and a private HOME,
+# XDG folders and TMPDIR under VISTREL_E2E_DIR, all writable by it. VISTREL_E2E_OUTPUT, when set, is
+# replaced by a folder the command can write whose files are copied to the given one afterwards.
+# Exit status 77 (ctest's skip) only when sway is not installed.
+set -uo pipefail
+
+while [ $# -gt 0 ]; do
+  case "$1" in
+    --) shift; break ;;
+    *) echo "run-in-wayland-session.sh: unknown option $1" >&2; exit 2 ;;
+  esac
+done
+[ $# -gt 0 ] || { echo "run-in-wayland-session.sh: no command given" >&2; exit 2; }
+
+if ! command -v sway >/dev/null; then
+  echo "SKIP: sway is not installed (scripts/setup.sh test installs it)" >&2
+  exit 77
+fi
+
+here=$(cd "$(dirname "$0")" && pwd)
+repo=$(cd "$here/../.." && pwd)
+session=$(mktemp -d "${TMPDIR:-/tmp}/vistrel-wayland-e2e.XXXXXX")
+chmod 755 "$session"
+pids=()
+
+teardown() {
+  local i
+  for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
+    kill "${pids[i]}" 2>/dev/null
+  done
+  for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
+    wait "${pids[i]}" 2>/dev/null
+  done
+  rm -rf "$session"
+}
+trap teardown EXIT
+trap 'exit 130' INT TERM
+
+fail() { echo "run-in-wayland-session.sh: $*" >&2; exit 1; }
+
+# Waits up to ten seconds for a condition (a command) to hold.
+wait_for() {
+  local tries=0
+  until "$@" >/dev/null 2>&1; do
+    tries=$((tries + 1))
+    [ $tries -lt 200 ] || return 1
+    sleep 0.05
+  done
+}
+
+# The session's user: nobody when started as root, else whoever runs this. Logs and the sway
+# configuration stay root's, in $session; everything the user writes lives in $user_dir.
+as_user=()
+user_dir="$session/user"
+mkdir -p "$user_dir"
+if [ "$(id -u)" = 0 ]; then
+  as_user=(setpriv --reuid=65534 --regid=65534 --clear-groups)
+  chown 65534:65534 "$user_dir"
+fi
+user() { "${as_user[@]}" "$@"; }
+user mkdir -p "$user_dir/home/Desktop" "$user_dir/home/.config" "$user_dir/home/.local/state" \
+  "$user_dir/home/.local/share" "$user_dir/home/.cache" "$user_dir/runtime" "$user_dir/tmp" "$user_dir/output" ||
+  fail "the session's user cannot write $user_dir"
+chmod 700 "$user_dir/runtime"
+
+export HOME="$user_dir/home" XDG_CONFIG_HOME="$user_dir/home/.config" XDG_STATE_HOME="$user_dir/home/.local/state" \
+       XDG_DATA_HOME="$user_dir/home/.local/share" XDG_CACHE_HOME="$user_dir/home/.cache" \
+       XDG_RUNTIME_DIR="$user_dir/runtime" TMPDIR="$user_dir/tmp" XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=sway \
+       VISTREL_E2E_DIR="$user_dir"
+unset DISPLAY WAYLAND_DISPLAY SWAYSOCK DBUS_SESSION_BUS_ADDRESS
+
+# The wallpapers: the desk image at each output's pixel size, made once per size and kept in the cache,
+# with a PPM copy to compare grim's output against while waiting for the first frame.
+mkdesk=
+for candidate in "${VISTREL_MKDESK:-}" "$repo/bench/mkdesk.py"; do
+  if [ -n "$candidate" ] && [ -f "$candidate" ]; then mkdesk=$candidate; break; fi
+done
+[ -n "$mkdesk" ] || fail "mkdesk.py not found (set VISTREL_MKDESK)"
+cache=${VISTREL_E2E_CACHE:-$session}
+mkdir -p "$cache" && cache=$(cd "$cache" && pwd)
+desk() {
+  local size=$1 made="$session/desk-$1"
+  if [ ! -s "$cache/desk-$size.png" ] || [ ! -s "$cache/desk-$size.ppm" ]; then
+    /usr/bin/python3 "$mkdesk" "${size%x*}" "${size#*x}" "$made.png" &&
+      /usr/bin/python3 -c 'import sys; from PIL import Image; Image.open(sys.argv[1]).convert("RGB").save(sys.argv[2])' \
+        "$made.png" "$made.ppm" && mv "$made.ppm" "$cache/desk-$size.ppm" && mv "$made.png" "$cache/desk-$size.png" ||
+      fail "mkdesk.py could not make the $size background"
+  fi
+  user test -r "$cache/desk-$size.png" || fail "the session's user cannot read $cache/desk-$size.png"
+}
+desk 1280x720
+desk 1920x1080
+export VISTREL_E2E_BACKGROUND_HEADLESS_1="$cache/desk-1280x720.png" VISTREL_E2E_BACKGROUND_HEADLESS_2="$cache/desk-1920x1080.png"
+export VISTREL_E2E_BACKGROUND=$VISTREL_E2E_BACKGROUND_HEADLESS_1
+
+# No borders, gaps or title bars, so window contents sit where their rectangles say; the Adwaita
+# cursor, so tests know its picture; no Xwayland, which Debian's sway would only fail to start.
+cat >"$session/sway.conf" <<EOF
+output HEADLESS-1 mode 1280x720 position 0 0 scale 1 bg $VISTREL_E2E_BACKGROUND_HEADLESS_1 fill
+output HEADLESS-2 mode 1920x1080 position 1280 0 scale 2 bg $VISTREL_E2E_BACKGROUND_HEADLESS_2 fill
+seat seat0 fallback true
+seat seat0 xcursor_theme Adwaita 24
+default_border none
+default_floating_border none
+gaps inner 0
+gaps outer 0
+xwayland disable
+EOF
+
+# The servers start through setpriv, which execs them, not through user(): the process ids kept for
+# the teardown are then the servers' own. The bus comes first, so that what sway runs (bindsym exec)
+# finds it, and the command's environment too.
+"${as_user[@]}" dbus-daemon --session --nofork --address="unix:path=$XDG_RUNTIME_DIR/bus" --print-address=5 5>"$session/bus" 2>"$session/dbus.log" &
+pids+=($!)
+wait_for test -s "$session/bus" || fail "dbus-daemon did not start: $(cat "$session/dbus.log")"
+export DBUS_SESSION_BUS_ADDRESS=$(head -n 1 "$session/bus")
+
+output=${VISTREL_E2E_OUTPUT:-}
+export VISTREL_E2E_OUTPUT="$user_dir/output" QT_QPA_PLATFORM=wayland PYTHONDONTWRITEBYTECODE=1
+
+WLR_BACKENDS=headless WLR_LIBINPUT_NO_DEVICES=1 WLR_RENDERER=pixman WLR_HEADLESS_OUTPUTS=2 \
+  "${as_user[@]}" sway -c "$session/sway.conf" >"$session/sway.log" 2>&1 &
+pids+=($!)
+socket() { compgen -G "$XDG_RUNTIME_DIR/$1" | grep -v '\.lock$' | head -n 1; }
+wait_for socket 'sway-ipc.*.sock' && wait_for socket 'wayland-*' || fail "sway did not start: $(tail -n 5 "$session/sway.log")"
+export SWAYSOCK=$(socket 'sway-ipc.*.sock')
+WAYLAND_DISPLAY=$(basename "$(socket 'wayland-*')")
+export WAYLAND_DISPLAY
+# Both outputs show their wallpaper once swaybg has drawn its first frames.
+shows() { user grim -t ppm -o "$1" - | cmp -s - "$2"; }
+wait_for shows HEADLESS-1 "$cache/desk-1280x720.ppm" && wait_for shows HEADLESS-2 "$cache/desk-1920x1080.ppm" ||
+  fail "the outputs do not show their wallpaper: $(tail -n 5 "$session/sway.log")"
+
+"${as_user[@]}" dunst >"$session/dunst.log" 2>&1 &
+pids+=($!)
+# Asked of the bus, not of dunst: a call to the server would have the bus start a second one.
+wait_for user sh -c 'dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
+  org.freedesktop.DBus.NameHasOwner string:org.freedesktop.Notifications | grep -q "boolean true"' ||
+  fail "dunst did not start: $(cat "$session/dunst.log")"
+
+user "$@"
+status=$?
+if [ -n "$output" ] && [ -n "$(ls -A "$VISTREL_E2E_OUTPUT")" ]; then
+  mkdir -p "$output" && cp -r "$VISTREL_E2E_OUTPUT"/. "$output"/
+fi
+exit $status
