@@ -9,8 +9,8 @@
 #include <QWindow>
 
 QtSelectionWindow::QtSelectionWindow(SelectionOverlayWidget *widget, const DisplayProvider &displays,
-                                     InputGrab &grab)
-    : m_widget(widget), m_displays(displays), m_grab(grab)
+                                     InputGrab &grab, bool fillsScreen)
+    : m_widget(widget), m_displays(displays), m_grab(grab), m_fillsScreen(fillsScreen)
 {
 }
 
@@ -24,6 +24,8 @@ Rect QtSelectionWindow::frame() const
 {
     if (!m_widget)
         return Rect();
+    if (m_fillsScreen && m_frame)
+        return *m_frame;
     return DesktopSpace::current().toGlobal(QRectF(m_widget->geometry()));
 }
 
@@ -31,6 +33,7 @@ void QtSelectionWindow::setFrame(const Rect &frame)
 {
     if (!m_widget)
         return;
+    m_frame = frame;
     const DesktopSpace space = DesktopSpace::current();
     const QRect logical = space.fromGlobal(frame).toAlignedRect();
     // The window takes the scale of the display it covers; Qt would otherwise keep the display it
@@ -117,6 +120,13 @@ void QtSelectionWindow::orderFront()
 {
     if (!m_widget)
         return;
+    if (m_fillsScreen) {
+        // Through the native window, which has its screen already: a widget shown full screen on its
+        // own may stay undrawn on a second output until the pointer crosses it (sway).
+        m_widget->winId();
+        m_widget->windowHandle()->showFullScreen();
+        return;
+    }
     m_widget->show();
     m_widget->raise();
 }

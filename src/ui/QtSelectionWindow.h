@@ -14,7 +14,10 @@ class SelectionOverlayWidget;
 class QtSelectionWindow final : public SelectionWindow
 {
 public:
-    QtSelectionWindow(SelectionOverlayWidget *widget, const DisplayProvider &displays, InputGrab &grab);
+    // `fillsScreen`: shown full screen on the display its frame lies on, and its frame is the one given
+    // (the compositor, not the window, knows where it ends up).
+    QtSelectionWindow(SelectionOverlayWidget *widget, const DisplayProvider &displays, InputGrab &grab,
+                      bool fillsScreen = false);
     ~QtSelectionWindow() override;
 
     Rect frame() const override;
@@ -38,4 +41,6 @@ private:
     const DisplayProvider &m_displays;
     InputGrab &m_grab;
     bool m_holdsGrab = false;
+    bool m_fillsScreen = false;
+    std::optional<Rect> m_frame;
 };

@@ -4,8 +4,9 @@
 #include "QtSelectionWindow.h"
 #include "SelectionOverlayWidget.h"
 
-QtSelectionWindowFactory::QtSelectionWindowFactory(const DisplayProvider &displays, InputGrab &grab)
-    : m_displays(displays), m_grab(grab)
+QtSelectionWindowFactory::QtSelectionWindowFactory(const DisplayProvider &displays, InputGrab &grab,
+                                                   Placement placement)
+    : m_displays(displays), m_grab(grab), m_placement(placement)
 {
 }
 
@@ -19,5 +20,6 @@ std::unique_ptr<SelectionWindow> QtSelectionWindowFactory::makeSelectionWindow()
     m_widgets.push_back(std::make_unique<SelectionOverlayWidget>());
     SelectionOverlayWidget *widget = m_widgets.back().get();
     widget->setWindowTitle(QStringLiteral("Vistrel"));
-    return std::make_unique<QtSelectionWindow>(widget, m_displays, m_grab);
+    return std::make_unique<QtSelectionWindow>(widget, m_displays, m_grab,
+                                               m_placement == Placement::FillScreen);
 }

@@ -14,7 +14,11 @@ class SelectionOverlayWidget;
 class QtSelectionWindowFactory final : public SelectionWindowFactory
 {
 public:
-    QtSelectionWindowFactory(const DisplayProvider &displays, InputGrab &grab);
+    // Where an overlay window goes: at its frame (X11, where it bypasses the window manager), or full
+    // screen on the display under its frame (Wayland, where only the compositor places windows).
+    enum class Placement { Frame, FillScreen };
+
+    QtSelectionWindowFactory(const DisplayProvider &displays, InputGrab &grab, Placement placement = Placement::Frame);
     ~QtSelectionWindowFactory() override;
 
     std::unique_ptr<SelectionWindow> makeSelectionWindow() override;
@@ -24,5 +28,6 @@ public:
 private:
     const DisplayProvider &m_displays;
     InputGrab &m_grab;
+    Placement m_placement;
     std::vector<std::unique_ptr<SelectionOverlayWidget>> m_widgets;
 };

@@ -64,6 +64,8 @@ bool CanberraSoundPlayer::playNamed(const QString &name)
 
 bool CanberraSoundPlayer::beep()
 {
+    if (!m_connection)
+        return playNamed(u"bell-window-system"_s);
     xcb_bell(m_connection, 0);
     xcb_flush(m_connection);
     return true;

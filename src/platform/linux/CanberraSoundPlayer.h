@@ -12,7 +12,8 @@ typedef struct ca_context ca_context;
 
 // Sounds on Linux: files and the sound theme's events through libcanberra ("Shutter" is the theme's
 // "camera-shutter"), and the display's bell as the alert sound. The sound context is made on first use,
-// so a start without any capture never loads the audio stack. Main thread.
+// so a start without any capture never loads the audio stack. Without an X connection (Wayland has no
+// bell) the alert sound is the theme's bell event. Main thread.
 class CanberraSoundPlayer final : public SoundPlayer
 {
 public:

@@ -1,0 +1,8 @@
+#include "WaylandInputGrab.h"
+
+#include <QWindow>
+
+void WaylandInputGrab::grab(QWindow &window)
+{
+    window.requestActivate();
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/ScreenCapturer.h"
+
+#include <memory>
+
+class WaylandConnection;
+class WaylandDisplayProvider;
+
+// Screen images on wlroots compositors (sway, Hyprland, wayfire), copied through wlr-screencopy on our own
+// connection at each output's native pixels. Displays are Qt's screens matched to the compositor's
+// outputs by name; the output list is refreshed before every capture, so a scale change or an unplugged
+// output is seen at the next one. Main thread; completions run before the call returns.
+class WlrScreenCapturer final : public ScreenCapturer
+{
+public:
+    WlrScreenCapturer(std::unique_ptr<WaylandConnection> connection, const WaylandDisplayProvider &displays);
+    ~WlrScreenCapturer() override;
+
+    void shareableDisplays(ContentCompletion completion) override;
+    void captureDisplay(quint32 displayID, const Rect &sourceRect, QSize outputSize,
+                        ImageCompletion completion) override;
+    void captureRect(const Rect &globalRect, ImageCompletion completion) override;
+
+private:
+    std::unique_ptr<WaylandConnection> m_connection;
+    const WaylandDisplayProvider &m_displays;
+};
