@@ -3,6 +3,7 @@
 #include "app/AppDelegate.h"
 #include "app/CrashDiagnostics.h"
 #include "app/SettingsWindow.h"
+#include "app/ShortcutGuidanceRules.h"
 #include "capture/ScreenshotManager.h"
 #include "editor/ImageEditorManager.h"
 #include "platform/PlatformServices.h"
@@ -22,7 +23,9 @@ std::unique_ptr<AppDelegate> makeDelegate(QCoreApplication &application, Setting
         CrashDiagnostics::shared(), *services.application, *services.statusItem, *services.hotKeys,
         *services.notifier, *services.systemLog, *services.scheduler, *services.displays, AppSettings::shared(),
         capture, editor,
-        []() -> UpdateCommands & { return SoftwareUpdaterModel::shared(); }, std::move(makeSettingsWindow)});
+        []() -> UpdateCommands & { return SoftwareUpdaterModel::shared(); }, std::move(makeSettingsWindow),
+        shortcutguidance::desktopFrom(qEnvironmentVariable("XDG_CURRENT_DESKTOP"),
+                                      qEnvironmentVariableIsSet("SWAYSOCK"))});
     AppDelegate *controller = delegate.get();
     QObject::connect(&application, &QCoreApplication::aboutToQuit, controller,
                      [controller] { controller->applicationWillTerminate(); });

@@ -126,3 +126,8 @@ void QtSettingsWindow::makeKeyAndOrderFront()
     m_widget->raise();
     m_widget->activateWindow();
 }
+
+void QtSettingsWindow::showShortcutBindings(const ShortcutGuidance &guidance)
+{
+    m_form->setShortcutGuidance(guidance);
+}

@@ -45,6 +45,7 @@ public:
     std::optional<Rect> screenVisibleFrame() const override;
     void setFrame(const Rect &frame) override;
     void makeKeyAndOrderFront() override;
+    void showShortcutBindings(const ShortcutGuidance &guidance) override;
 
     QWidget *widget() const { return m_widget; }
     SettingsFormWidget *form() const { return m_formWidget; }

@@ -74,6 +74,7 @@ SettingsFormWidget::SettingsFormWidget(AppSettings &settings, SettingsForm &form
                         &AppSettings::keepExistingEditorWindowOnAutoOpenChanged,
                         &AppSettings::launchAtLoginEnabledChanged})
         connect(&m_settings, signal, this, &SettingsFormWidget::refresh);
+    connect(&m_form, &SettingsForm::shortcutBindingsChanged, this, &SettingsFormWidget::refresh);
     refresh();
 }
 

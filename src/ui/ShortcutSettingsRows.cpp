@@ -47,12 +47,25 @@ ShortcutSettingsRows::ShortcutSettingsRows(SettingsForm &form, SettingsForm::Sho
     }
     toggles->addStretch();
     grid->addLayout(toggles, 2, 0, 1, 2);
+
+    m_bindingHeading = new QLabel(settingsform::bindingLabel, this);
+    grid->addWidget(m_bindingHeading, 3, 0, Qt::AlignTop);
+    m_binding = new QLabel(this);
+    m_binding->setWordWrap(true);
+    m_binding->setTextFormat(Qt::PlainText);
+    m_binding->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_bindingHeading->setBuddy(m_binding);
+    grid->addWidget(m_binding, 3, 1);
     refresh();
 }
 
 void ShortcutSettingsRows::refresh()
 {
     m_display->setText(m_form.displayText(m_shortcut));
+    const QString binding = m_form.bindingText(m_shortcut);
+    m_binding->setText(binding);
+    m_bindingHeading->setHidden(binding.isEmpty());
+    m_binding->setHidden(binding.isEmpty());
     const QString key = m_form.keyFieldText(m_shortcut);
     if (m_keyField->text() != key) {
         const QSignalBlocker blocker(m_keyField);

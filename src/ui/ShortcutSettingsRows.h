@@ -9,9 +9,10 @@ class QLabel;
 class QLineEdit;
 class QToolButton;
 
-// The three rows of one capture shortcut in the settings form: its heading with the combination as
-// it reads, the key field (60 wide) and the four modifier toggles ⌘ ⌥ ⌃ ⇧. Edits go to the form;
-// refresh() shows the stored combination again. Main thread.
+// The rows of one capture shortcut in the settings form: its heading with the combination as it
+// reads, the key field (60 wide), the four modifier toggles ⌘ ⌥ ⌃ ⇧, and, where the form has one, what
+// binds the shortcut (selectable, so a line to paste into the desktop's settings can be copied). Edits
+// go to the form; refresh() shows the stored combination again. Main thread.
 class ShortcutSettingsRows final : public QWidget
 {
     Q_OBJECT
@@ -25,6 +26,7 @@ public:
 
     QLabel *displayLabel() const { return m_display; }
     QLineEdit *keyField() const { return m_keyField; }
+    QLabel *bindingLabel() const { return m_binding; }
     const QList<QToolButton *> &modifierButtons() const { return m_modifiers; }
 
 private:
@@ -32,5 +34,7 @@ private:
     SettingsForm::Shortcut m_shortcut;
     QLabel *m_display = nullptr;
     QLineEdit *m_keyField = nullptr;
+    QLabel *m_bindingHeading = nullptr;
+    QLabel *m_binding = nullptr;
     QList<QToolButton *> m_modifiers;
 };

@@ -192,6 +192,14 @@ void AppDelegateTest::notificationResponses()
     QVERIFY(f.commands.calls.isEmpty()); // deferred to the main queue
     f.scheduler.runUntilIdle();
     QCOMPARE(f.commands.calls, QStringList{u"openEditor(reuse)"_s});
+
+    // The guidance on binding the shortcuts opens the settings, whose rows then tell what binds them.
+    f.notifier.onResponse(u"VistrelShortcutGuidanceCategory"_s);
+    QCOMPARE(f.settingsWindowsMade, 0);
+    f.scheduler.runUntilIdle();
+    QCOMPARE(f.settingsWindowsMade, 1);
+    QCOMPARE(f.settingsWindow->orderFrontCount, 1);
+    QCOMPARE(f.settingsWindow->shortcutGuidance, &f.delegate.shortcutGuidance());
 }
 
 void AppDelegateTest::settingsWindowIsFittedWhenShownFromHidden_data()

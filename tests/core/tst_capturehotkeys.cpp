@@ -4,13 +4,25 @@
 #include "FakeKeyValueStore.h"
 #include "FakeLoginItemService.h"
 #include "FakeSystemLog.h"
+#include "FakeUserNotifier.h"
 
 #include "app/CaptureHotKeys.h"
+#include "app/ShortcutGuidance.h"
 #include "settings/AppSettings.h"
+#include "settings/KeyTable.h"
+#include "settings/ShortcutTriggers.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
+using Binder = HotKeyRegistrar::Binder;
+using shortcutguidance::Command;
+using shortcutguidance::Desktop;
+
+Q_DECLARE_METATYPE(HotKeyRegistrar::Binder)
+Q_DECLARE_METATYPE(shortcutguidance::Command)
+Q_DECLARE_METATYPE(shortcutguidance::Desktop)
+Q_DECLARE_METATYPE(ShortcutKeyCombo)
 
 namespace {
 
@@ -40,6 +52,8 @@ struct Fixture
 };
 
 constexpr quint32 vstl = 0x5653544C;
+constexpr quint64 controlShift = ShortcutKeyCombo::Control | ShortcutKeyCombo::Shift;
+constexpr quint64 shiftCommand = ShortcutKeyCombo::Shift | ShortcutKeyCombo::Command;
 
 } // namespace
 
@@ -53,6 +67,14 @@ private slots:
     void registrationOutcomes();
     void pressesAreDispatchedById_data();
     void pressesAreDispatchedById();
+    void desktopTriggers_data();
+    void desktopTriggers();
+    void desktopFromEnvironment_data();
+    void desktopFromEnvironment();
+    void bindingTexts_data();
+    void bindingTexts();
+    void guidanceIsNotifiedOnce_data();
+    void guidanceIsNotifiedOnce();
 };
 
 void CaptureHotKeysTest::registersBothFromSettings()
@@ -151,6 +173,145 @@ void CaptureHotKeysTest::pressesAreDispatchedById()
     QCOMPARE(f.hotKeys.hotKeyEventHandler(identifier), HotKeyRegistrar::noErr);
     QCOMPARE(f.diagnostics.lines(), QStringList{line});
     QCOMPARE(f.commands.calls, calls);
+}
+
+void CaptureHotKeysTest::desktopTriggers_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<quint64>("modifiers");
+    QTest::addColumn<QString>("xdg");
+    QTest::addColumn<QString>("sway");
+    QTest::addColumn<QString>("readable");
+    QTest::newRow("letter with the default modifiers")
+        << u"S"_s << shiftCommand << u"SHIFT+LOGO+s"_s << u"Shift+Mod4+s"_s << u"Shift+Super+S"_s;
+    QTest::newRow("all four, in the order of ⌃⌥⇧⌘")
+        << u"4"_s << quint64(0x1e0000) << u"CTRL+ALT+SHIFT+LOGO+4"_s << u"Ctrl+Alt+Shift+Mod4+4"_s
+        << u"Ctrl+Alt+Shift+Super+4"_s;
+    QTest::newRow("punctuation by keysym name")
+        << u"-"_s << quint64(ShortcutKeyCombo::Control) << u"CTRL+minus"_s << u"Ctrl+minus"_s << u"Ctrl+minus"_s;
+    QTest::newRow("ENTER is the Return key")
+        << u"ENTER"_s << quint64(ShortcutKeyCombo::Option) << u"ALT+Return"_s << u"Alt+Return"_s << u"Alt+Return"_s;
+    QTest::newRow("no modifier, other bits ignored") << u"SPACE"_s << quint64(0x1) << u"space"_s << u"space"_s << u"space"_s;
+}
+
+void CaptureHotKeysTest::desktopTriggers()
+{
+    QFETCH(QString, key);
+    QFETCH(quint64, modifiers);
+    QFETCH(QString, xdg);
+    QFETCH(QString, sway);
+    QFETCH(QString, readable);
+    const quint32 code = *keytable::keyCode(key);
+    const quint32 carbon = keytable::carbonModifierFlags({key, modifiers});
+    QCOMPARE(shortcuttriggers::xdgTrigger(code, carbon), xdg);
+    QCOMPARE(shortcuttriggers::swayCombination(code, carbon), sway);
+    QCOMPARE(shortcuttriggers::readableCombination(code, carbon), readable);
+    QCOMPARE(shortcuttriggers::xdgTrigger(200, carbon), std::nullopt);
+    // Every key a shortcut may use has a name the desktops read.
+    for (const keytable::Entry &entry : keytable::entries())
+        QVERIFY2(shortcuttriggers::keysymName(entry.code), qPrintable(entry.name));
+}
+
+void CaptureHotKeysTest::desktopFromEnvironment_data()
+{
+    QTest::addColumn<QString>("currentDesktop");
+    QTest::addColumn<bool>("swaySocket");
+    QTest::addColumn<Desktop>("desktop");
+    QTest::newRow("sway named") << u"sway"_s << false << Desktop::Sway;
+    QTest::newRow("sway sets only its socket") << QString() << true << Desktop::Sway;
+    QTest::newRow("a desktop named wins over the socket") << u"KDE"_s << true << Desktop::Kde;
+    QTest::newRow("GNOME among others, any case") << u"ubuntu:gnome"_s << false << Desktop::Gnome;
+    QTest::newRow("unknown") << u"Hyprland"_s << false << Desktop::Other;
+    QTest::newRow("nothing") << QString() << false << Desktop::Other;
+}
+
+void CaptureHotKeysTest::desktopFromEnvironment()
+{
+    QFETCH(QString, currentDesktop);
+    QFETCH(bool, swaySocket);
+    QFETCH(Desktop, desktop);
+    QCOMPARE(shortcutguidance::desktopFrom(currentDesktop, swaySocket), desktop);
+}
+
+void CaptureHotKeysTest::bindingTexts_data()
+{
+    QTest::addColumn<Binder>("binder");
+    QTest::addColumn<Desktop>("desktop");
+    QTest::addColumn<Command>("command");
+    QTest::addColumn<ShortcutKeyCombo>("combo");
+    QTest::addColumn<QString>("text");
+    const ShortcutKeyCombo ctrlShift4{u"4"_s, controlShift};
+    const ShortcutKeyCombo defaultRepeat{u"r"_s, shiftCommand};
+    QTest::newRow("macOS binds: no word") << Binder::System << Desktop::Other << Command::Select << ctrlShift4 << QString();
+    QTest::newRow("X server") << Binder::XServer << Desktop::Gnome << Command::Select << ctrlShift4 << u"X サーバー"_s;
+    QTest::newRow("portal") << Binder::Portal << Desktop::Kde << Command::Select << ctrlShift4 << u"デスクトップのポータル"_s;
+    QTest::newRow("portal still asking") << Binder::Pending << Desktop::Sway << Command::Select << ctrlShift4
+                                         << u"ポータルの応答待ち"_s;
+    QTest::newRow("sway: a bindsym with the user's keys")
+        << Binder::Nobody << Desktop::Sway << Command::Select << ctrlShift4
+        << u"未登録: sway の設定に「bindsym Ctrl+Shift+4 exec vistrel select」を追加してください"_s;
+    QTest::newRow("GNOME: the repeat command and its keys")
+        << Binder::Nobody << Desktop::Gnome << Command::Repeat << defaultRepeat
+        << u"未登録: GNOME の設定 → キーボード → カスタムショートカットで「vistrel repeat」(Shift+Super+R)を割り当ててください"_s;
+    QTest::newRow("KDE") << Binder::Nobody << Desktop::Kde << Command::Select << ctrlShift4
+                         << u"未登録: KDE のシステム設定 → ショートカット → カスタムショートカットで「vistrel select」(Ctrl+Shift+4)を割り当ててください"_s;
+    QTest::newRow("sway with a key outside the table: the command alone")
+        << Binder::Nobody << Desktop::Sway << Command::Select << ShortcutKeyCombo{u"F1"_s, controlShift}
+        << u"未登録: デスクトップのショートカット設定で「vistrel select」を割り当ててください"_s;
+}
+
+void CaptureHotKeysTest::bindingTexts()
+{
+    QFETCH(Binder, binder);
+    QFETCH(Desktop, desktop);
+    QFETCH(Command, command);
+    QFETCH(ShortcutKeyCombo, combo);
+    QFETCH(QString, text);
+    QCOMPARE(shortcutguidance::bindingText(binder, desktop, command, combo), text);
+}
+
+void CaptureHotKeysTest::guidanceIsNotifiedOnce_data()
+{
+    QTest::addColumn<QList<Binder>>("binders");
+    QTest::addColumn<bool>("shownBefore");
+    QTest::addColumn<int>("notices");
+    QTest::newRow("nobody binds: one notice, however often") << QList{Binder::Nobody, Binder::Pending, Binder::Nobody}
+                                                             << false << 1;
+    QTest::newRow("the portal binds") << QList{Binder::Pending, Binder::Portal} << false << 0;
+    QTest::newRow("shown at an earlier start") << QList{Binder::Nobody} << true << 0;
+}
+
+void CaptureHotKeysTest::guidanceIsNotifiedOnce()
+{
+    QFETCH(QList<Binder>, binders);
+    QFETCH(bool, shownBefore);
+    QFETCH(int, notices);
+    Fixture f;
+    f.settings.setRepeatHotKeyCombo({u"4"_s, controlShift});
+    if (shownBefore)
+        f.store.values.insert(ShortcutGuidance::shownKey, true);
+    FakeUserNotifier notifier;
+    ShortcutGuidance guidance(f.registrar, f.settings, notifier, Desktop::Sway);
+    guidance.start();
+    int changes = 0;
+    connect(&guidance, &ShortcutGuidance::binderChanged, this, [&changes] { ++changes; });
+    for (const Binder binder : binders)
+        f.registrar.reportBinder(binder);
+
+    QCOMPARE(changes, binders.size());
+    QCOMPARE(notifier.requests.size(), notices);
+    QCOMPARE(f.store.synced.value(ShortcutGuidance::shownKey).toBool(), notices > 0);
+    QCOMPARE(guidance.bindingText(Command::Repeat),
+             shortcutguidance::bindingText(binders.last(), Desktop::Sway, Command::Repeat, {u"4"_s, controlShift}));
+    if (notices == 0)
+        return;
+    const UserNotifier::Request &request = notifier.requests.first();
+    QCOMPARE(request.categoryIdentifier, ShortcutGuidance::categoryIdentifier);
+    QCOMPARE(request.title, u"Vistrel: ショートカットが使えません"_s);
+    QCOMPARE(request.body, u"sway の設定に追加してください:\n"
+                           "bindsym Shift+Mod4+s exec vistrel select\n"
+                           "bindsym Ctrl+Shift+4 exec vistrel repeat\n"
+                           "クリックすると設定を開きます。"_s);
 }
 
 QTEST_GUILESS_MAIN(CaptureHotKeysTest)

@@ -35,6 +35,16 @@ public:
         return {noErr, handle};
     }
     void unregisterHotKey(Handle handle) override { registrations.remove(handle); }
+    Binder binder() const override { return currentBinder; }
+    void setBinderObserver(BinderObserver observer) override { binderObserver = std::move(observer); }
+
+    // The binder changes, as a portal's answer changes it.
+    void reportBinder(Binder binder)
+    {
+        currentBinder = binder;
+        if (binderObserver)
+            binderObserver(binder);
+    }
 
     // Delivers a press of the registered key with this identifier to every installed handler, as the
     // system would; an absent identifier stands for an event whose identifier could not be read.
@@ -58,6 +68,8 @@ public:
     QMap<Handle, Handler> handlers;
     QMap<Handle, Registration> registrations;
     int registerCalls = 0;
+    Binder currentBinder = Binder::System;
+    BinderObserver binderObserver;
 
 private:
     Handle m_nextHandle = 1;

@@ -14,9 +14,11 @@ public:
         visible = true;
         ++orderFrontCount;
     }
+    void showShortcutBindings(const ShortcutGuidance &guidance) override { shortcutGuidance = &guidance; }
 
     bool visible = false;
     Rect currentFrame{0, 0, 560, 860};
     std::optional<Rect> screenFrame;
     int orderFrontCount = 0;
+    const ShortcutGuidance *shortcutGuidance = nullptr;
 };

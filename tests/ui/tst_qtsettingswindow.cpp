@@ -1,15 +1,18 @@
 #include "FakeApplicationControl.h"
 #include "FakeFolderChooser.h"
+#include "FakeHotKeyRegistrar.h"
 #include "FakeKeyValueStore.h"
 #include "FakeLoginItemService.h"
 #include "FakeSoftwareUpdater.h"
 #include "FakeSystemLog.h"
+#include "FakeUserNotifier.h"
 
 #include "ElidedLabel.h"
 #include "QtSettingsWindow.h"
 #include "SettingsFormWidget.h"
 #include "ShortcutSettingsRows.h"
 
+#include "app/ShortcutGuidance.h"
 #include "settings/AppSettings.h"
 #include "update/SoftwareUpdateSettingsSection.h"
 #include "update/SoftwareUpdaterModel.h"
@@ -114,6 +117,20 @@ void QtSettingsWindowTest::shortcutRowsShowTheCombos()
     combo.key = u"J"_s;
     f.settings.setRepeatHotKeyCombo(combo);
     QCOMPARE(repeat->keyField()->text(), u"J"_s);
+
+    // What binds them shows once there is guidance, and follows the registrar.
+    QVERIFY(capture->bindingLabel()->isHidden());
+    FakeHotKeyRegistrar registrar;
+    registrar.currentBinder = HotKeyRegistrar::Binder::Nobody;
+    FakeUserNotifier notifier;
+    ShortcutGuidance guidance(registrar, f.settings, notifier, shortcutguidance::Desktop::Sway);
+    guidance.start();
+    f.window.showShortcutBindings(guidance);
+    QVERIFY(capture->bindingLabel()->isVisible());
+    QCOMPARE(repeat->bindingLabel()->text(),
+             u"未登録: sway の設定に「bindsym Shift+Mod4+j exec vistrel repeat」を追加してください"_s);
+    registrar.reportBinder(HotKeyRegistrar::Binder::Portal);
+    QCOMPARE(capture->bindingLabel()->text(), u"デスクトップのポータル"_s);
 }
 
 void QtSettingsWindowTest::savingSection()

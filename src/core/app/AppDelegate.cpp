@@ -14,9 +14,12 @@
 #include "settings/AppSettings.h"
 #include "update/UpdateCommands.h"
 
+#include <QPointer>
+
 AppDelegate::AppDelegate(Dependencies dependencies)
     : m_deps(std::move(dependencies)),
-      m_hotKeys(m_deps.hotKeys, m_deps.settings, m_deps.capture, m_deps.diagnostics, m_deps.systemLog)
+      m_hotKeys(m_deps.hotKeys, m_deps.settings, m_deps.capture, m_deps.diagnostics, m_deps.systemLog),
+      m_shortcutGuidance(m_deps.hotKeys, m_deps.settings, m_deps.notifier, m_deps.desktop)
 {
 }
 
@@ -27,6 +30,7 @@ void AppDelegate::applicationDidFinishLaunching()
     m_deps.diagnostics.install();
     m_deps.application.setAccessoryActivationPolicy();
     createStatusItem();
+    m_shortcutGuidance.start();
     m_hotKeys.registerHotKey();
     setupNotifications();
     m_deps.updater();
@@ -129,8 +133,11 @@ void AppDelegate::settingsDidChange()
 
 void AppDelegate::showSettings()
 {
-    if (!m_settingsWindow)
+    if (!m_settingsWindow) {
         m_settingsWindow = m_deps.makeSettingsWindow();
+        if (m_settingsWindow)
+            m_settingsWindow->showShortcutBindings(m_shortcutGuidance);
+    }
     if (!m_settingsWindow) {
         m_deps.diagnostics.write(QStringLiteral("showSettings skipped: no settings window in this build"));
         return;
@@ -177,6 +184,13 @@ void AppDelegate::setupNotifications()
 
 void AppDelegate::didReceiveNotificationResponse(const QString &categoryIdentifier)
 {
+    if (categoryIdentifier == ShortcutGuidance::categoryIdentifier) {
+        m_deps.scheduler.postToMain([self = QPointer<AppDelegate>(this)] {
+            if (self)
+                self->showSettings();
+        });
+        return;
+    }
     if (categoryIdentifier != editnotification::categoryIdentifier)
         return;
     EditorCommands &editor = m_deps.editor;

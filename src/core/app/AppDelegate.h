@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/CaptureHotKeys.h"
+#include "app/ShortcutGuidance.h"
 #include "platform/StatusItem.h"
 
 #include <QObject>
@@ -45,6 +46,8 @@ public:
         // Makes the updater on first call; launch calls it so the updater exists from the start.
         std::function<UpdateCommands &()> updater;
         std::function<std::unique_ptr<SettingsWindow>()> makeSettingsWindow;
+        // The desktop whose settings the shortcut guidance names.
+        shortcutguidance::Desktop desktop = shortcutguidance::Desktop::Other;
     };
 
     // How a notification is shown while the application is in front.
@@ -73,6 +76,7 @@ public:
     void settingsDidChange();
 
     CaptureHotKeys &hotKeys() { return m_hotKeys; }
+    ShortcutGuidance &shortcutGuidance() { return m_shortcutGuidance; }
     SettingsWindow *settingsWindow() const { return m_settingsWindow.get(); }
 
 private:
@@ -83,5 +87,6 @@ private:
 
     Dependencies m_deps;
     CaptureHotKeys m_hotKeys;
+    ShortcutGuidance m_shortcutGuidance;
     std::unique_ptr<SettingsWindow> m_settingsWindow;
 };

@@ -17,6 +17,24 @@ CaptureHotKeys::~CaptureHotKeys()
     unregisterHotKey();
 }
 
+QString CaptureHotKeys::shortcutName(quint32 id)
+{
+    switch (id) {
+    case captureHotKeyID: return QStringLiteral("select");
+    case repeatCaptureHotKeyID: return QStringLiteral("repeat");
+    default: return u"hotkey-" % QString::number(id);
+    }
+}
+
+QString CaptureHotKeys::shortcutDescription(quint32 id)
+{
+    switch (id) {
+    case captureHotKeyID: return QStringLiteral("スクリーンショットを撮る");
+    case repeatCaptureHotKeyID: return QStringLiteral("繰り返し撮影");
+    default: return u"Vistrel " % shortcutName(id);
+    }
+}
+
 void CaptureHotKeys::registerHotKey()
 {
     unregisterHotKey();

@@ -24,6 +24,11 @@ public:
                    DiagnosticsLog &diagnostics, SystemLog &systemLog);
     ~CaptureHotKeys();
 
+    // For desktops that list an application's shortcuts: the name of the shortcut with this identifier,
+    // which is its command on the command line ("select", "repeat"), and what it does.
+    static QString shortcutName(quint32 id);
+    static QString shortcutDescription(quint32 id);
+
     // Tears down whatever is registered, then registers both shortcuts from the current settings.
     void registerHotKey();
     void unregisterHotKey();

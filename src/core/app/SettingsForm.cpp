@@ -1,6 +1,7 @@
 #include "app/SettingsForm.h"
 
 #include "app/SettingsFormTexts.h"
+#include "app/ShortcutGuidance.h"
 #include "platform/FolderChooser.h"
 #include "settings/AppSettings.h"
 
@@ -43,6 +44,23 @@ void SettingsForm::setCombo(Shortcut shortcut, const ShortcutKeyCombo &combo)
 QString SettingsForm::displayText(Shortcut shortcut) const
 {
     return combo(shortcut).displayText();
+}
+
+QString SettingsForm::bindingText(Shortcut shortcut) const
+{
+    if (!m_guidance)
+        return {};
+    return m_guidance->bindingText(shortcut == Shortcut::Capture ? shortcutguidance::Command::Select
+                                                                 : shortcutguidance::Command::Repeat);
+}
+
+void SettingsForm::setShortcutGuidance(const ShortcutGuidance &guidance)
+{
+    if (m_guidance)
+        disconnect(m_guidance, nullptr, this, nullptr);
+    m_guidance = &guidance;
+    connect(m_guidance, &ShortcutGuidance::binderChanged, this, &SettingsForm::shortcutBindingsChanged);
+    emit shortcutBindingsChanged();
 }
 
 QString SettingsForm::keyFieldText(Shortcut shortcut) const

@@ -8,6 +8,7 @@
 
 class AppSettings;
 class FolderChooser;
+class ShortcutGuidance;
 
 // The settings window's content as a model: every control reads and writes one setting of the store,
 // which persists and announces each edit by its own rules. Holds no state of its own; the widgets
@@ -37,6 +38,10 @@ public:
     void editKey(Shortcut shortcut, const QString &edited);
     bool isModifierOn(Shortcut shortcut, ShortcutKeyCombo::Modifier modifier) const;
     void setModifier(Shortcut shortcut, ShortcutKeyCombo::Modifier modifier, bool on);
+    // What binds the shortcut, or how the user binds it; empty until the guidance is set, and where
+    // the system binds it.
+    QString bindingText(Shortcut shortcut) const;
+    void setShortcutGuidance(const ShortcutGuidance &guidance);
 
     void chooseFolder();
     // Return in the folder field assigns the current value again, which saves it once more.
@@ -48,6 +53,9 @@ public:
     QString keepWindowCaption() const;
     const QString &loginCaption() const { return m_loginCaption; }
 
+signals:
+    void shortcutBindingsChanged();
+
 private:
     ShortcutKeyCombo combo(Shortcut shortcut) const;
     void setCombo(Shortcut shortcut, const ShortcutKeyCombo &combo);
@@ -55,4 +63,5 @@ private:
     AppSettings &m_settings;
     FolderChooser &m_folderChooser;
     QString m_loginCaption;
+    const ShortcutGuidance *m_guidance = nullptr;
 };

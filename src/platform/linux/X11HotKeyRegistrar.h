@@ -38,6 +38,7 @@ public:
     void removeHandler(Handle handler) override;
     Result registerHotKey(quint32 keyCode, quint32 carbonModifiers, Identifier identifier) override;
     void unregisterHotKey(Handle hotKey) override;
+    Binder binder() const override { return Binder::XServer; }
 
 private:
     struct Registration

@@ -1,0 +1,43 @@
+#include "app/ShortcutGuidance.h"
+
+#include "platform/UserNotifier.h"
+#include "settings/AppSettings.h"
+
+#include <QPointer>
+
+using namespace shortcutguidance;
+
+ShortcutGuidance::ShortcutGuidance(HotKeyRegistrar &registrar, AppSettings &settings, UserNotifier &notifier,
+                                   Desktop desktop)
+    : m_registrar(registrar), m_settings(settings), m_notifier(notifier), m_desktop(desktop)
+{
+}
+
+void ShortcutGuidance::start()
+{
+    QPointer<ShortcutGuidance> self(this);
+    m_registrar.setBinderObserver([self](HotKeyRegistrar::Binder binder) {
+        if (self)
+            self->binderDidChange(binder);
+    });
+}
+
+QString ShortcutGuidance::bindingText(Command command) const
+{
+    const ShortcutKeyCombo combo =
+        command == Command::Select ? m_settings.hotKeyCombo() : m_settings.repeatHotKeyCombo();
+    return shortcutguidance::bindingText(m_registrar.binder(), m_desktop, command, combo);
+}
+
+void ShortcutGuidance::binderDidChange(HotKeyRegistrar::Binder binder)
+{
+    emit binderChanged();
+    UserDefaults &defaults = m_settings.defaults();
+    if (!needsGuidance(binder) || defaults.boolValue(shownKey))
+        return;
+    const Notice text = notice(m_desktop, m_settings.hotKeyCombo(), m_settings.repeatHotKeyCombo());
+    // Whether it reached the screen is not waited for: the settings rows say the same.
+    m_notifier.add({shownKey, text.title, text.body, categoryIdentifier, false, 0}, [](std::optional<QString>) {});
+    defaults.setBool(shownKey, true);
+    defaults.synchronize();
+}
