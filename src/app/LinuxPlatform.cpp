@@ -2,6 +2,8 @@
 
 #include "AppcastSoftwareUpdater.h"
 #include "CanberraSoundPlayer.h"
+#include "InputGrab.h"
+#include "QtScreensDisplayProvider.h"
 #include "DBusUserNotifier.h"
 #include "DesktopWorkspace.h"
 #include "JsonFileKeyValueStore.h"
@@ -13,18 +15,10 @@
 #include "QtFolderChooser.h"
 #include "QtKeyEventMonitor.h"
 #include "QtOpenPanel.h"
-#include "QtPasteboard.h"
 #include "QtSelectionWindowFactory.h"
 #include "QtSettingsWindow.h"
 #include "QtUpdateUserDriver.h"
 #include "TrayStatusItem.h"
-#include "X11Cursor.h"
-#include "X11DisplayProvider.h"
-#include "X11HotKeyRegistrar.h"
-#include "X11InputGrab.h"
-#include "X11ScreenCapturePermission.h"
-#include "X11ScreenCapturer.h"
-#include "X11WindowList.h"
 #include "XdgAutostartLoginItem.h"
 #include "XdgFolders.h"
 
@@ -51,25 +45,19 @@ QString LinuxPlatform::autostartFolder(const QProcessEnvironment &environment)
     return xdgfolders::autostartFolder(environment);
 }
 
-LinuxPlatform::LinuxPlatform(xcb_connection_t *connection, const QProcessEnvironment &environment)
+LinuxPlatform::LinuxPlatform(std::unique_ptr<LinuxSystemLog> systemLog, SessionAdapters session,
+                             const QProcessEnvironment &environment)
     : m_diagnosticsLogFolder(diagnosticsLogFolder(environment)),
-      m_systemLog(std::make_unique<LinuxSystemLog>()),
+      m_systemLog(std::move(systemLog)),
       m_scheduler(std::make_unique<QtScheduler>()),
       m_clock(std::make_unique<SystemClock>()),
       m_store(std::make_unique<JsonFileKeyValueStore>(settingsPath(environment), *m_systemLog)),
       m_loginItem(std::make_unique<XdgAutostartLoginItem>(autostartFolder(environment),
                                                           QCoreApplication::applicationFilePath())),
+      m_session(std::move(session)),
       m_notifier(std::make_unique<DBusUserNotifier>(QDBusConnection::sessionBus(), *m_scheduler)),
-      m_hotKeys(std::make_unique<X11HotKeyRegistrar>(connection)),
       m_statusItem(std::make_unique<TrayStatusItem>()),
       m_application(std::make_unique<QtApplicationControl>()),
-      m_displays(std::make_unique<X11DisplayProvider>(connection)),
-      m_cursor(std::make_unique<X11Cursor>(connection)),
-      m_screenCapturer(std::make_unique<X11ScreenCapturer>(connection, *m_displays)),
-      m_permission(std::make_unique<X11ScreenCapturePermission>()),
-      m_windowList(std::make_unique<X11WindowList>(connection)),
-      m_pasteboard(std::make_unique<QtPasteboard>()),
-      m_sounds(std::make_unique<CanberraSoundPlayer>(connection)),
       m_workspace(std::make_unique<DesktopWorkspace>()),
       m_keyMonitor(std::make_unique<QtKeyEventMonitor>()),
       m_pngWriter(std::make_unique<FastPngWriter>()),
@@ -79,8 +67,10 @@ LinuxPlatform::LinuxPlatform(xcb_connection_t *connection, const QProcessEnviron
                                                 QStringLiteral(VISTREL_BUILD_VERSION), QStringLiteral(VISTREL_VERSION)},
           AppcastSoftwareUpdater::Services{*m_store, *m_scheduler, *m_clock, *m_workspace, *m_updateDialogs,
                                            *m_systemLog})),
-      m_inputGrab(std::make_unique<X11InputGrab>(connection)),
-      m_selectionWindows(std::make_unique<QtSelectionWindowFactory>(*m_displays, *m_inputGrab)),
+      m_selectionWindows(std::make_unique<QtSelectionWindowFactory>(
+          *m_session.displays, *m_session.inputGrab,
+          m_session.overlaysFillScreens ? QtSelectionWindowFactory::Placement::FillScreen
+                                        : QtSelectionWindowFactory::Placement::Frame)),
       m_editorWindows(std::make_unique<QtEditorWindowFactory>()),
       m_alerts(std::make_unique<QtAlertPresenter>()),
       m_openPanel(std::make_unique<QtOpenPanel>()),
@@ -103,7 +93,7 @@ void LinuxPlatform::setTrace(const std::function<void(const QString &line)> &tra
 {
     m_workspace->setTrace(trace);
     m_statusItem->setTrace(trace);
-    m_sounds->setTrace(trace);
+    m_session.sounds->setTrace(trace);
 }
 
 PlatformServices LinuxPlatform::services() const
@@ -112,20 +102,20 @@ PlatformServices LinuxPlatform::services() const
     services.diagnosticsLogFolder = m_diagnosticsLogFolder;
     services.application = m_application.get();
     services.clock = m_clock.get();
-    services.hotKeys = m_hotKeys.get();
+    services.hotKeys = m_session.hotKeys.get();
     services.store = m_store.get();
     services.loginItem = m_loginItem.get();
     services.scheduler = m_scheduler.get();
     services.statusItem = m_statusItem.get();
     services.systemLog = m_systemLog.get();
     services.notifier = m_notifier.get();
-    services.displays = m_displays.get();
-    services.cursor = m_cursor.get();
-    services.screenCapturer = m_screenCapturer.get();
-    services.screenCapturePermission = m_permission.get();
-    services.windowList = m_windowList.get();
-    services.pasteboard = m_pasteboard.get();
-    services.sounds = m_sounds.get();
+    services.displays = m_session.displays.get();
+    services.cursor = m_session.cursor.get();
+    services.screenCapturer = m_session.screenCapturer.get();
+    services.screenCapturePermission = m_session.permission.get();
+    services.windowList = m_session.windowList.get();
+    services.pasteboard = m_session.pasteboard.get();
+    services.sounds = m_session.sounds.get();
     services.workspace = m_workspace.get();
     services.keyMonitor = m_keyMonitor.get();
     services.pngWriter = m_pngWriter.get();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SessionAdapters.h"
+
 #include "platform/PlatformServices.h"
 
 #include <QProcessEnvironment>
@@ -8,11 +10,8 @@
 #include <functional>
 #include <memory>
 
-#include <xcb/xcb.h>
-
 class AppSettings;
 class AppcastSoftwareUpdater;
-class CanberraSoundPlayer;
 class DBusUserNotifier;
 class DesktopWorkspace;
 class JsonFileKeyValueStore;
@@ -24,7 +23,6 @@ class QtEditorWindowFactory;
 class QtFolderChooser;
 class QtKeyEventMonitor;
 class QtOpenPanel;
-class QtPasteboard;
 class QtScheduler;
 class QtSelectionWindowFactory;
 class QtUpdateUserDriver;
@@ -32,23 +30,16 @@ class SettingsWindow;
 class SoftwareUpdaterModel;
 class SystemClock;
 class TrayStatusItem;
-class X11Cursor;
-class X11DisplayProvider;
-class X11HotKeyRegistrar;
-class X11InputGrab;
-class X11ScreenCapturePermission;
-class X11ScreenCapturer;
-class X11WindowList;
 class XdgAutostartLoginItem;
 
 // The platform set of the Linux application: builds each OS service once, owns it, and lists it in a
 // PlatformServices for PlatformServices::install(). Made by main() on the main thread, after the
-// QApplication and after it made sure the application runs on X11 (the connection is Qt's own).
+// QApplication, with the adapters of the session it runs in (X11 or Wayland).
 class LinuxPlatform final
 {
 public:
-    explicit LinuxPlatform(xcb_connection_t *connection,
-                           const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
+    LinuxPlatform(std::unique_ptr<LinuxSystemLog> systemLog, SessionAdapters session,
+                  const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
     ~LinuxPlatform();
 
     PlatformServices services() const;
@@ -72,24 +63,15 @@ private:
     std::unique_ptr<SystemClock> m_clock;
     std::unique_ptr<JsonFileKeyValueStore> m_store;
     std::unique_ptr<XdgAutostartLoginItem> m_loginItem;
+    SessionAdapters m_session;
     std::unique_ptr<DBusUserNotifier> m_notifier;
-    std::unique_ptr<X11HotKeyRegistrar> m_hotKeys;
     std::unique_ptr<TrayStatusItem> m_statusItem;
     std::unique_ptr<QtApplicationControl> m_application;
-    std::unique_ptr<X11DisplayProvider> m_displays;
-    std::unique_ptr<X11Cursor> m_cursor;
-    std::unique_ptr<X11ScreenCapturer> m_screenCapturer;
-    std::unique_ptr<X11ScreenCapturePermission> m_permission;
-    std::unique_ptr<X11WindowList> m_windowList;
-    std::unique_ptr<QtPasteboard> m_pasteboard;
-    std::unique_ptr<CanberraSoundPlayer> m_sounds;
     std::unique_ptr<DesktopWorkspace> m_workspace;
     std::unique_ptr<QtKeyEventMonitor> m_keyMonitor;
     std::unique_ptr<FastPngWriter> m_pngWriter;
     std::unique_ptr<QtUpdateUserDriver> m_updateDialogs;
     std::unique_ptr<AppcastSoftwareUpdater> m_updater;
-    // The grab outlives the overlay windows, which release it as they go.
-    std::unique_ptr<X11InputGrab> m_inputGrab;
     std::unique_ptr<QtSelectionWindowFactory> m_selectionWindows;
     std::unique_ptr<QtEditorWindowFactory> m_editorWindows;
     std::unique_ptr<QtAlertPresenter> m_alerts;

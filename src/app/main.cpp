@@ -1,4 +1,4 @@
-// Vistrel on Linux: a tray agent on an X11 desktop. Checks the session, makes sure it is the only
+// Vistrel on Linux: a tray agent on an X11 or Wayland desktop. Checks the session, makes sure it is the only
 // instance, builds the platform set, hands it to the process-wide instances and runs the controller.
 // The vistrel program (CommandLineMain.cpp) loads this module and runs it for the commands that start
 // the application ("activate", "edit [FILE]", "settings"); a start that finds Vistrel running hands its
@@ -8,10 +8,13 @@
 
 #include "DesktopWorkspace.h"
 #include "InstanceChannel.h"
+#include "LinuxSystemLog.h"
 #include "ProcessMemory.h"
 #include "DesktopSession.h"
 
 #include "AppLaunch.h"
+#include "WaylandSession.h"
+#include "X11Session.h"
 
 #include "app/AppDelegate.h"
 #include "app/CrashDiagnostics.h"
@@ -56,11 +59,15 @@ extern "C" Q_DECL_EXPORT int vistrelApplicationMain(int argc, char **argv)
     const std::variant<desktopsession::Kind, QString> session = desktopsession::choose(environment);
     if (const QString *missing = std::get_if<QString>(&session))
         return refuse(*missing);
-    if (const std::optional<QString> unreachable =
-            desktopsession::unreachableDisplayMessage(environment.value(u"DISPLAY"_s)))
-        return refuse(*unreachable);
-    // Global key grabs, screen reads and the window list need X11, also under Xwayland.
-    qputenv("QT_QPA_PLATFORM", "xcb");
+    const bool onWayland = std::get<desktopsession::Kind>(session) == desktopsession::Kind::Wayland;
+    if (!onWayland) {
+        if (const std::optional<QString> unreachable =
+                desktopsession::unreachableDisplayMessage(environment.value(u"DISPLAY"_s)))
+            return refuse(*unreachable);
+    }
+    // Qt's windows on the session's own display server: under Xwayland, X11 grabs would see neither the
+    // screen nor the keyboard.
+    qputenv("QT_QPA_PLATFORM", onWayland ? "wayland" : "xcb");
 
     QApplication app(argc, argv);
     QApplication::setApplicationName(u"Vistrel"_s);
@@ -83,10 +90,17 @@ extern "C" Q_DECL_EXPORT int vistrelApplicationMain(int argc, char **argv)
         return refuse(u"Vistrel is already running, but it did not answer."_s);
     }
 
-    auto *x11 = app.nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11)
-        return refuse(u"Vistrel needs the Qt xcb platform plugin (libqt6gui6 with xcb support)."_s);
-    LinuxPlatform platform(x11->connection(), environment);
+    auto systemLog = std::make_unique<LinuxSystemLog>();
+    std::variant<SessionAdapters, QString> adapters = u"Vistrel needs the Qt xcb platform plugin (libqt6gui6 with "
+                                                      "xcb support)."_s;
+    if (onWayland) {
+        adapters = waylandsession::adapters(*systemLog);
+    } else if (auto *x11 = app.nativeInterface<QNativeInterface::QX11Application>()) {
+        adapters = x11session::adapters(x11->connection());
+    }
+    if (const QString *failure = std::get_if<QString>(&adapters))
+        return refuse(*failure);
+    LinuxPlatform platform(std::move(systemLog), std::move(std::get<SessionAdapters>(adapters)), environment);
     const PlatformServices services = platform.services();
     PlatformServices::install(services);
     platform.setTrace([](const QString &line) { CrashDiagnostics::shared().write(line); });

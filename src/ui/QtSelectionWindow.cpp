@@ -121,10 +121,9 @@ void QtSelectionWindow::orderFront()
     if (!m_widget)
         return;
     if (m_fillsScreen) {
-        // Through the native window, which has its screen already: a widget shown full screen on its
-        // own may stay undrawn on a second output until the pointer crosses it (sway).
-        m_widget->winId();
-        m_widget->windowHandle()->showFullScreen();
+        // The native window has its screen already (setFrame): a widget placed by its geometry alone
+        // may stay undrawn on a second output until the pointer crosses it (sway).
+        m_widget->showFullScreen();
         return;
     }
     m_widget->show();

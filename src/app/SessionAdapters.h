@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+
+class CanberraSoundPlayer;
+class Cursor;
+class HotKeyRegistrar;
+class InputGrab;
+class Pasteboard;
+class QtScreensDisplayProvider;
+class ScreenCapturePermission;
+class ScreenCapturer;
+class WindowList;
+
+// The adapters that differ between an X11 and a Wayland session; the rest of the Linux platform set is
+// the same on both. Made by x11session::adapters() or waylandsession::adapters() on the main thread,
+// after the QApplication.
+struct SessionAdapters
+{
+    std::unique_ptr<QtScreensDisplayProvider> displays;
+    std::unique_ptr<Cursor> cursor;
+    std::unique_ptr<ScreenCapturer> screenCapturer;
+    std::unique_ptr<ScreenCapturePermission> permission;
+    std::unique_ptr<WindowList> windowList;
+    std::unique_ptr<Pasteboard> pasteboard;
+    std::unique_ptr<CanberraSoundPlayer> sounds;
+    std::unique_ptr<HotKeyRegistrar> hotKeys;
+    // The grab outlives the overlay windows, which release it as they go.
+    std::unique_ptr<InputGrab> inputGrab;
+    // On Wayland each overlay window is made full screen on its output: the compositor places windows.
+    bool overlaysFillScreens = false;
+
+    SessionAdapters();
+    SessionAdapters(SessionAdapters &&) noexcept;
+    SessionAdapters &operator=(SessionAdapters &&) noexcept;
+    ~SessionAdapters();
+};

@@ -1,0 +1,46 @@
+#include "WaylandSession.h"
+
+#include "CanberraSoundPlayer.h"
+#include "PortalHotKeyRegistrar.h"
+#include "QtCursor.h"
+#include "QtPasteboard.h"
+#include "SwayWindowList.h"
+#include "WaylandClipboard.h"
+#include "WaylandConnection.h"
+#include "WaylandDisplayProvider.h"
+#include "WaylandInputGrab.h"
+#include "WaylandScreenCapturePermission.h"
+#include "WlrScreenCapturer.h"
+
+#include <QDBusConnection>
+
+namespace waylandsession {
+
+std::variant<SessionAdapters, QString> adapters(SystemLog &log)
+{
+    auto opened = WaylandConnection::open();
+    if (QString *failure = std::get_if<QString>(&opened))
+        return *failure;
+    std::unique_ptr<WaylandConnection> connection = std::move(std::get<std::unique_ptr<WaylandConnection>>(opened));
+
+    SessionAdapters set;
+    auto displays = std::make_unique<WaylandDisplayProvider>();
+    set.cursor = std::make_unique<QtCursor>(*displays);
+    set.permission = std::make_unique<WaylandScreenCapturePermission>(connection->screencopy() != nullptr, log);
+    set.screenCapturer = std::make_unique<WlrScreenCapturer>(std::move(connection), *displays);
+    set.displays = std::move(displays);
+    set.windowList = SwayWindowList::fromEnvironment();
+    // Served by us through the compositor's data control where it has one, so a capture stays on the
+    // clipboard with no window of ours focused; else through Qt.
+    if (std::unique_ptr<WaylandClipboard> clipboard = WaylandClipboard::create())
+        set.pasteboard = std::move(clipboard);
+    else
+        set.pasteboard = std::make_unique<QtPasteboard>();
+    set.sounds = std::make_unique<CanberraSoundPlayer>(nullptr);
+    set.hotKeys = std::make_unique<PortalHotKeyRegistrar>(QDBusConnection::sessionBus(), log);
+    set.inputGrab = std::make_unique<WaylandInputGrab>();
+    set.overlaysFillScreens = true;
+    return set;
+}
+
+} // namespace waylandsession

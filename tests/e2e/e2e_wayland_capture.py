@@ -1,0 +1,120 @@
+#!/usr/bin/python3
+"""The capture flow on sway, two outputs at scales 1 and 2: the user's sway binding of `vistrel select`
+(the line Vistrel suggests) reaching the running instance, a drag on each output saved and served on
+the clipboard with that output's own pixels, a drag crossing to the other output kept on the output
+where it began, Escape, repeat, Space over a window, and `vistrel capture` against grim."""
+from vistrel_wayland import *  # noqa: F401,F403 - the helpers of these tests
+
+app = Vistrel()
+wait_until(lambda: outputs(), 5)
+
+
+def overlays():
+    return [w for w in windows() if w["app_id"] == "vistrel" and w["visible"]]
+
+
+def select_by_binding(keys="shift+super+s"):
+    before = len(log_lines())
+    key(keys)
+    shown = wait_for_line("showSelectionWindow screens=", before)
+    if not check(shown, f"{keys} did not show the overlay through the sway binding"):
+        return False
+    check(wait_until(lambda: len(overlays()) == 2, 5), f"expected an overlay on each output, found {overlays()}")
+    # The compositor maps both windows and draws them; then the pointer enters the one under it.
+    time.sleep(0.4)
+    return True
+
+
+def captured(before, rect, label):
+    """The file saved after log line `before` shows the desktop in `rect` (layout coordinates) at that
+    output's pixels, and the clipboard serves the same picture as image/png."""
+    path = wait_for_save(before)
+    if not check(path, f"{label}: nothing saved"):
+        return None
+    expected = wallpaper_region(*rect)
+    problem = differs(expected, Image.open(path))
+    check(problem is None, f"{label}: the file is not the desktop at {rect}: {problem}")
+    clip = clipboard_png()
+    if clip is not None:
+        problem = differs(Image.open(path), clip)
+        check(problem is None, f"{label}: the clipboard's image/png differs from the file: {problem}")
+    return path
+
+
+# The binding Vistrel tells sway users to add, pressed with wtype.
+bindsym("shift+mod4+s", f"{VISTREL} select")
+bindsym("shift+mod4+r", f"{VISTREL} repeat")
+
+# A drag on each output: a scale-1 region and a scale-2 region, each with its own pixels.
+for label, start, end in [("scale 1", (200, 150), (520, 390)), ("scale 2", (1400, 100), (1750, 330))]:
+    move(start[0] - 40, start[1] - 40)
+    before = len(log_lines())
+    if select_by_binding():
+        drag(start, end)
+        rect = (start[0], start[1], end[0] - start[0], end[1] - start[1])
+        path = captured(before, rect, label)
+        if path and label == "scale 2":
+            check(Image.open(path).size == (700, 460), f"the scale-2 capture is {Image.open(path).size}, not 700x460")
+    time.sleep(1.1)  # file names carry seconds
+
+# A drag that starts on the first output and ends on the second stays on the first, up to its edge.
+# (This compositor draws the pointer into its copies: it stays off every region that is compared.)
+move(900, 250)
+before = len(log_lines())
+if select_by_binding():
+    drag((1000, 300), (1500, 450))
+    captured(before, (1000, 300, 280, 150), "drag across outputs")
+    time.sleep(1.1)
+
+# Escape cancels: nothing saved and no overlay left.
+files = saved_files()
+if select_by_binding():
+    key("Escape")
+    check(wait_until(lambda: overlays() == [], 5), f"Escape left overlays up: {overlays()}")
+    time.sleep(0.3)
+    check(saved_files() == files, "Escape saved a file")
+
+# The repeat binding captures the last region again, live.
+before = len(log_lines())
+key("shift+super+r")
+check(wait_for_line("repeat capture begin display=", before), "the repeat capture did not begin")
+captured(before, (1000, 300, 280, 150), "repeat")
+time.sleep(1.1)
+
+# Space over a window: the window as sway lays it out, on the scale-2 output.
+swaymsg("for_window", '[app_id="drag_source"]', "floating enable, resize set 300 200, move absolute position 1500 200")
+probe = os.path.join(SESSION, "probe.png")
+Image.new("RGB", (40, 40), (200, 40, 90)).save(probe)
+source = subprocess.Popen([os.path.join(os.path.dirname(WL_POINTER), "drag_source"), probe])
+window = wait_until(lambda: [w for w in windows() if w["app_id"] == "drag_source"], 10)
+if check(window, "the test window did not appear"):
+    x, y, width, height = window[0]["rect"]
+    time.sleep(0.5)
+    move(200, 600)
+    expected = screen_region(x, y, width, height)
+    before = len(log_lines())
+    if select_by_binding():
+        move(x + width // 2, y + height // 2)
+        key("space")
+        resolved = wait_for_line("window selection resolved owner=", before)
+        check(resolved and resolved.startswith("window selection resolved owner=drag_source "),
+              f"the window was not resolved by its app id: {resolved}")
+        path = wait_for_save(before)
+        if check(path, "Space saved nothing"):
+            problem = differs(expected, Image.open(path))
+            check(problem is None, f"the capture is not the window at {(x, y, width, height)}: {problem}")
+source.kill()
+
+# The command line, beside grim: a whole output and a region, pixel for pixel.
+move(10, 10)
+for arguments, grim_arguments in [(["--display", "1"], ["-o", "HEADLESS-2"]),
+                                  (["--region", "100,120,640,360"], ["-g", "100,120 640x360"])]:
+    mine = os.path.join(SESSION, "mine.png")
+    result = run(VISTREL, "capture", *arguments, "-o", mine, timeout=20)
+    theirs = grim(*grim_arguments)
+    if check(result.returncode == 0, f"vistrel capture {arguments}: {result.stderr.strip()}") and theirs:
+        problem = differs(theirs, Image.open(mine))
+        check(problem is None, f"vistrel capture {arguments} differs from grim: {problem}")
+
+app.quit()
+finish("wayland capture flow")
