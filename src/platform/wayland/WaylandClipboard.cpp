@@ -7,6 +7,7 @@
 
 #include <wayland-client.h>
 
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QSocketNotifier>
 
@@ -62,6 +63,7 @@ std::unique_ptr<WaylandClipboard> WaylandClipboard::create()
 
 WaylandClipboard::WaylandClipboard(wl_display *display) : m_display(display)
 {
+    m_encoder.setMaxThreadCount(1);
     static const wl_registry_listener registryListener = {&onGlobal, &onGlobalRemove};
     m_registry = wl_display_get_registry(m_display);
     wl_registry_add_listener(m_registry, &registryListener, this);
@@ -69,7 +71,9 @@ WaylandClipboard::WaylandClipboard(wl_display *display) : m_display(display)
 
 WaylandClipboard::~WaylandClipboard()
 {
-    // Writers still running close their descriptors as they go.
+    // Readers waiting for a PNG still being made get it; writers still running close their descriptors.
+    m_encoder.waitForDone();
+    QCoreApplication::sendPostedEvents(this, QEvent::MetaCall);
     qDeleteAll(findChildren<PipeWriter *>(Qt::FindDirectChildrenOnly));
     for (auto it = m_offers.keyBegin(); it != m_offers.keyEnd(); ++it)
         zwlr_data_control_offer_v1_destroy(*it);
@@ -150,16 +154,50 @@ bool WaylandClipboard::writeImage(const QImage &image)
 {
     if (image.isNull() || !m_device || wl_display_get_error(m_display) != 0)
         return false;
-    QByteArray png = FastPngWriter().encode(image);
-    if (png.isEmpty())
-        return false;
     static const zwlr_data_control_source_v1_listener sourceListener = {&onSend, &onCancelled};
     zwlr_data_control_source_v1 *source = zwlr_data_control_manager_v1_create_data_source(m_manager);
     zwlr_data_control_source_v1_add_listener(source, &sourceListener, this);
     zwlr_data_control_source_v1_offer(source, pngType.toUtf8().constData());
     setSelection(source);
-    m_png = std::move(png);
+    auto served = std::make_shared<Served>();
+    m_served = served;
+    m_encoder.start([this, served, image] {
+        QByteArray png = FastPngWriter().encode(image);
+        QMetaObject::invokeMethod(
+            this, [this, served, png = std::move(png)]() mutable { encoded(*served, std::move(png)); },
+            Qt::QueuedConnection);
+    });
     return true;
+}
+
+void WaylandClipboard::encoded(Served &served, QByteArray png)
+{
+    served.png = std::move(png);
+    served.isReady = true;
+    for (const int fd : std::as_const(served.waitingReaders))
+        serve(served, fd);
+    served.waitingReaders.clear();
+}
+
+void WaylandClipboard::serve(Served &served, int fd)
+{
+    if (!served.isReady) {
+        served.waitingReaders.append(fd);
+    } else if (served.png.isEmpty()) {
+        // The encoder ran out of memory: the reader gets nothing rather than waiting forever.
+        close(fd);
+    } else {
+        new PipeWriter(fd, served.png, this);
+    }
+}
+
+QByteArray WaylandClipboard::ourPng() const
+{
+    if (!m_served->isReady) {
+        m_encoder.waitForDone();
+        QCoreApplication::sendPostedEvents(const_cast<WaylandClipboard *>(this), QEvent::MetaCall);
+    }
+    return m_served->png;
 }
 
 void WaylandClipboard::setSelection(zwlr_data_control_source_v1 *source)
@@ -170,6 +208,7 @@ void WaylandClipboard::setSelection(zwlr_data_control_source_v1 *source)
     // The one we served before is done with; readers already writing keep their own copy of its bytes.
     dropSource(m_source);
     m_source = source;
+    m_served.reset();
     flush();
 }
 
@@ -180,18 +219,19 @@ void WaylandClipboard::dropSource(zwlr_data_control_source_v1 *source)
     zwlr_data_control_source_v1_destroy(source);
     if (source == m_source) {
         m_source = nullptr;
-        m_png.clear();
+        m_served.reset();
     }
 }
 
-void WaylandClipboard::onSend(void *data, zwlr_data_control_source_v1 *, const char *mimeType, qint32 fd)
+void WaylandClipboard::onSend(void *data, zwlr_data_control_source_v1 *source, const char *mimeType, qint32 fd)
 {
     auto *self = static_cast<WaylandClipboard *>(data);
-    if (QLatin1StringView(mimeType) != pngType || self->m_png.isEmpty()) {
+    // Only the current source is still alive: the ones before it are destroyed when replaced.
+    if (QLatin1StringView(mimeType) != pngType || source != self->m_source || !self->m_served) {
         close(fd);
         return;
     }
-    new PipeWriter(fd, self->m_png, self);
+    self->serve(*self->m_served, fd);
 }
 
 void WaylandClipboard::onCancelled(void *data, zwlr_data_control_source_v1 *source)
@@ -264,7 +304,7 @@ QStringList WaylandClipboard::availableTypes() const
 {
     if (!refresh())
         return {};
-    if (m_source)
+    if (m_source && m_served)
         return {pngType};
     return m_selection ? m_offers.value(m_selection) : QStringList();
 }
@@ -274,8 +314,10 @@ std::optional<QByteArray> WaylandClipboard::readData(const QString &mimeType) co
     if (!refresh())
         return std::nullopt;
     // Asking the compositor for our own selection would wait on ourselves.
-    if (m_source)
-        return mimeType == pngType ? std::optional<QByteArray>(m_png) : std::nullopt;
+    if (m_source && m_served) {
+        const QByteArray png = mimeType == pngType ? ourPng() : QByteArray();
+        return png.isEmpty() ? std::nullopt : std::optional<QByteArray>(png);
+    }
     if (!m_selection || !m_offers.value(m_selection).contains(mimeType))
         return std::nullopt;
     int fds[2];

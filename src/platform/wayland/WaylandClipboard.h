@@ -3,7 +3,9 @@
 #include "platform/Pasteboard.h"
 
 #include <QHash>
+#include <QList>
 #include <QObject>
+#include <QThreadPool>
 
 #include <memory>
 
@@ -18,9 +20,10 @@ struct zwlr_data_control_source_v1;
 
 // The clipboard of a Wayland session through the compositor's data-control protocol, on a connection of
 // its own, so the image is served with no window of ours focused for as long as Vistrel runs. The PNG
-// is made once per image; each reader gets it through a PipeWriter. Reads go through the same protocol
-// (the current selection's offer), so they too work without focus. Main thread: the connection is
-// dispatched from a socket notifier.
+// is made once per image on a worker (a 4K capture takes tens of milliseconds), readers who ask before
+// it is ready wait for it, and each reader gets it through a PipeWriter. Reads go through the same
+// protocol (the current selection's offer), so they too work without focus. Main thread: the
+// connection is dispatched from a socket notifier, and the worker posts its PNG back.
 class WaylandClipboard final : public QObject, public Pasteboard
 {
     Q_OBJECT
@@ -37,7 +40,19 @@ public:
     std::optional<QByteArray> readData(const QString &mimeType) const override;
 
 private:
+    // What one source serves: its PNG once made, and the readers who asked before that.
+    struct Served
+    {
+        QByteArray png;
+        bool isReady = false;
+        QList<int> waitingReaders;
+    };
+
     explicit WaylandClipboard(wl_display *display);
+    void serve(Served &served, int fd);
+    void encoded(Served &served, QByteArray png);
+    // The PNG of our current selection, finishing its encoding first if need be.
+    QByteArray ourPng() const;
     bool bindGlobals();
     void dispatch();
     void flush() const;
@@ -65,9 +80,10 @@ private:
     zwlr_data_control_manager_v1 *m_manager = nullptr;
     zwlr_data_control_device_v1 *m_device = nullptr;
     QSocketNotifier *m_notifier = nullptr;
-    // Ours while the compositor has not cancelled it, with the PNG it serves.
+    // Ours while the compositor has not cancelled it, with what it serves.
     zwlr_data_control_source_v1 *m_source = nullptr;
-    QByteArray m_png;
+    std::shared_ptr<Served> m_served;
+    mutable QThreadPool m_encoder;
     // The offers announced and the types each one offers; the selection is one of them or none.
     QHash<zwlr_data_control_offer_v1 *, QStringList> m_offers;
     zwlr_data_control_offer_v1 *m_selection = nullptr;
