@@ -94,6 +94,8 @@ void LinuxPlatform::setTrace(const std::function<void(const QString &line)> &tra
     m_workspace->setTrace(trace);
     m_statusItem->setTrace(trace);
     m_session.sounds->setTrace(trace);
+    if (m_session.setTrace)
+        m_session.setTrace(trace);
 }
 
 PlatformServices LinuxPlatform::services() const

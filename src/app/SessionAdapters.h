@@ -1,5 +1,8 @@
 #pragma once
 
+#include <QString>
+
+#include <functional>
 #include <memory>
 
 class CanberraSoundPlayer;
@@ -27,6 +30,8 @@ struct SessionAdapters
     std::unique_ptr<HotKeyRegistrar> hotKeys;
     // The grab outlives the overlay windows, which release it as they go.
     std::unique_ptr<InputGrab> inputGrab;
+    // Where the adapters explain what the desktop lacks (the diagnostics log, once it exists).
+    std::function<void(const std::function<void(const QString &line)> &trace)> setTrace;
     // On Wayland each overlay window is made full screen on its output: the compositor places windows.
     bool overlaysFillScreens = false;
 

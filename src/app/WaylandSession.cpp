@@ -29,7 +29,9 @@ std::variant<SessionAdapters, QString> adapters(SystemLog &log)
     set.permission = std::make_unique<WaylandScreenCapturePermission>(connection->screencopy() != nullptr, log);
     set.screenCapturer = std::make_unique<WlrScreenCapturer>(std::move(connection), *displays);
     set.displays = std::move(displays);
-    set.windowList = SwayWindowList::fromEnvironment();
+    std::unique_ptr<SwayWindowList> windows = SwayWindowList::fromEnvironment();
+    set.setTrace = [list = windows.get()](const std::function<void(const QString &)> &trace) { list->setTrace(trace); };
+    set.windowList = std::move(windows);
     // Served by us through the compositor's data control where it has one, so a capture stays on the
     // clipboard with no window of ours focused; else through Qt.
     if (std::unique_ptr<WaylandClipboard> clipboard = WaylandClipboard::create())
@@ -38,7 +40,7 @@ std::variant<SessionAdapters, QString> adapters(SystemLog &log)
         set.pasteboard = std::make_unique<QtPasteboard>();
     set.sounds = std::make_unique<CanberraSoundPlayer>(nullptr);
     set.hotKeys = std::make_unique<PortalHotKeyRegistrar>(QDBusConnection::sessionBus(), log);
-    set.inputGrab = std::make_unique<WaylandInputGrab>();
+    set.inputGrab = std::make_unique<WaylandInputGrab>(qEnvironmentVariable("SWAYSOCK"));
     set.overlaysFillScreens = true;
     return set;
 }

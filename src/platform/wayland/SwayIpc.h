@@ -9,6 +9,7 @@
 // message type as native 32-bit integers, then the payload). Blocking, bounded by a timeout; any thread.
 namespace swayipc {
 
+constexpr quint32 runCommand = 0;
 constexpr quint32 getTree = 4;
 
 // The reply's payload; nothing when the socket is missing, refuses, or does not answer in time.

@@ -27,9 +27,18 @@ std::unique_ptr<SwayWindowList> SwayWindowList::fromEnvironment()
 
 std::optional<QList<WindowList::Entry>> SwayWindowList::onScreenWindows() const
 {
-    const std::optional<QByteArray> tree = swayipc::request(m_socketPath, swayipc::getTree, {}, replyTimeoutMs);
-    if (!tree)
+    if (m_socketPath.isEmpty()) {
+        if (m_trace)
+            m_trace(u"window list unavailable: this compositor gives applications no window rectangles "
+                    "(only sway's IPC does, and SWAYSOCK is not set)"_s);
         return std::nullopt;
+    }
+    const std::optional<QByteArray> tree = swayipc::request(m_socketPath, swayipc::getTree, {}, replyTimeoutMs);
+    if (!tree) {
+        if (m_trace)
+            m_trace(u"window list unavailable: sway did not answer on "_s % m_socketPath);
+        return std::nullopt;
+    }
     // Qt's screens on sway carry the layout coordinates the tree is in.
     return swaytree::windows(*tree, DesktopSpace::current().primary(), m_identity);
 }

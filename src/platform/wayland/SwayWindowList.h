@@ -6,6 +6,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 // The windows on screen as sway lays them out, read from its IPC socket (GET_TREE) on every call and
@@ -22,7 +23,13 @@ public:
 
     std::optional<QList<Entry>> onScreenWindows() const override;
 
+    // Where a missing list is explained (the diagnostics log): the capture only says that no window
+    // was found.
+    using Trace = std::function<void(const QString &line)>;
+    void setTrace(Trace trace) { m_trace = std::move(trace); }
+
 private:
     QString m_socketPath;
     swaytree::Identity m_identity;
+    Trace m_trace;
 };

@@ -1,6 +1,5 @@
 #include "WaylandDisplayProvider.h"
 
-#include <QCursor>
 
 std::optional<quint32> WaylandDisplayProvider::displayID(const QString &name) const
 {
@@ -21,9 +20,4 @@ std::optional<QString> WaylandDisplayProvider::outputName(quint32 displayID) con
             return it.key();
     }
     return std::nullopt;
-}
-
-std::optional<QPointF> WaylandDisplayProvider::pointerPosition() const
-{
-    return QPointF(QCursor::pos());
 }

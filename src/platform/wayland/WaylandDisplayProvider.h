@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PointerTracker.h"
 #include "QtScreensDisplayProvider.h"
 
 #include <QHash>
@@ -13,9 +14,10 @@ public:
     std::optional<quint32> displayID(const QString &name) const override;
     // The output's name of an id given out before.
     std::optional<QString> outputName(quint32 displayID) const;
-    // Qt knows the pointer only where it last crossed one of our windows.
-    std::optional<QPointF> pointerPosition() const override;
+    // Known only where it last crossed one of our windows.
+    std::optional<QPointF> pointerPosition() const override { return m_pointer.position(); }
 
 private:
     mutable QHash<QString, quint32> m_ids;
+    PointerTracker m_pointer;
 };
