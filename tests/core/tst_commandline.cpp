@@ -104,7 +104,7 @@ void CommandLineTest::wrongArguments_data()
                                   << u"--display is given twice"_s + hint;
     QTest::newRow("two outputs") << capture + QStringList{u"-o"_s, u"a"_s, u"-o"_s, u"b"_s}
                                  << u"-o is given twice"_s + hint;
-    const QString displayError = u"--display takes a display number from 0, as xrandr --listmonitors shows them"_s
+    const QString displayError = u"--display takes a display number from 0, as xrandr --listmonitors or the compositor lists them"_s
         + hint;
     QTest::newRow("display by name") << capture + QStringList{u"--display"_s, u"HDMI-1"_s} << displayError;
     QTest::newRow("negative display") << capture + QStringList{u"--display=-1"_s} << displayError;

@@ -62,7 +62,7 @@ Parsed parseCapture(const QStringList &arguments)
                 return failed(u"--display is given twice"_s);
             options.display = displayNumber(*value);
             if (!options.display)
-                return failed(u"--display takes a display number from 0, as xrandr --listmonitors shows them"_s);
+                return failed(u"--display takes a display number from 0, as xrandr --listmonitors or the compositor lists them"_s);
         } else if (option == u"--region"_s) {
             if (options.region)
                 return failed(u"--region is given twice"_s);
@@ -122,14 +122,16 @@ Parsed parse(const QStringList &arguments)
 QString usage()
 {
     return uR"(Usage: vistrel [COMMAND]
-A screenshot tool with an annotation editor, in the tray of an X11 desktop.
+A screenshot tool with an annotation editor, in the tray of an X11 or Wayland desktop.
 
 Commands:
   (none)            start Vistrel in the tray; nothing happens when it already runs
   capture [--display N | --region X,Y,W,H] [-o FILE]
-                    capture the whole screen, one display (N as xrandr --listmonitors
-                    numbers them, from 0) or a rectangle in screen pixels, without
-                    the overlay. With -o, write exactly FILE as PNG ("-" for standard
+                    capture the whole screen, one display (N from 0: as xrandr
+                    --listmonitors numbers them on X11, in the compositor's order of
+                    outputs on Wayland, at their own pixels) or a rectangle (screen
+                    pixels on X11, layout coordinates on Wayland), without the
+                    overlay. With -o, write exactly FILE as PNG ("-" for standard
                     output); without it, save the capture as captures are saved
                     (folder, prefix and date from the settings), print its path, and
                     have the running Vistrel put it on the clipboard

@@ -31,9 +31,11 @@ enum class Command {
 // What a capture from the command line takes.
 struct CaptureOptions
 {
-    // The display's number as `xrandr --listmonitors` shows it.
+    // The display's number as `xrandr --listmonitors` shows it on X11; the output's place in the
+    // compositor's list on Wayland.
     std::optional<int> display;
-    // A rectangle in pixels of the whole screen (the root window), top-left origin.
+    // A rectangle in pixels of the whole screen (the root window) on X11, in layout coordinates on
+    // Wayland; top-left origin.
     std::optional<QRect> region;
     // The file to write, "-" for standard output; without it the capture is saved as captures are.
     std::optional<QString> output;
