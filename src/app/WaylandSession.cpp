@@ -5,12 +5,11 @@
 #include "QtCursor.h"
 #include "QtPasteboard.h"
 #include "SwayWindowList.h"
+#include "WaylandCaptureChoice.h"
 #include "WaylandClipboard.h"
 #include "WaylandConnection.h"
 #include "WaylandDisplayProvider.h"
 #include "WaylandInputGrab.h"
-#include "WaylandScreenCapturePermission.h"
-#include "WlrScreenCapturer.h"
 
 #include <QDBusConnection>
 
@@ -26,8 +25,10 @@ std::variant<SessionAdapters, QString> adapters(SystemLog &log)
     SessionAdapters set;
     auto displays = std::make_unique<WaylandDisplayProvider>();
     set.cursor = std::make_unique<QtCursor>(*displays);
-    set.permission = std::make_unique<WaylandScreenCapturePermission>(connection->screencopy() != nullptr, log);
-    set.screenCapturer = std::make_unique<WlrScreenCapturer>(std::move(connection), *displays);
+    WaylandCaptureChoice capture =
+        WaylandCaptureChoice::choose(std::move(connection), *displays, QDBusConnection::sessionBus(), log);
+    set.permission = std::move(capture.permission);
+    set.screenCapturer = std::move(capture.capturer);
     set.displays = std::move(displays);
     std::unique_ptr<SwayWindowList> windows = SwayWindowList::fromEnvironment();
     set.setTrace = [list = windows.get()](const std::function<void(const QString &)> &trace) { list->setTrace(trace); };

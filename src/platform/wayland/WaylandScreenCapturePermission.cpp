@@ -12,9 +12,9 @@ WaylandScreenCapturePermission::WaylandScreenCapturePermission(bool compositorCo
 bool WaylandScreenCapturePermission::request()
 {
     if (!m_compositorCopiesScreens)
-        m_log.log(u"Vistrel: this Wayland compositor offers no way to read the screen (no wlr-screencopy). On "
-                  "sway, Hyprland and other wlroots desktops update the compositor; elsewhere install "
-                  "xdg-desktop-portal with a backend for this desktop, and xdg-desktop-portal-gtk beside "
-                  "xdg-desktop-portal-wlr."_s);
+        m_log.log(u"Vistrel: this Wayland desktop offers no way to read the screen: the compositor has no "
+                  "wlr-screencopy and the session bus no Screenshot portal. Install xdg-desktop-portal with the "
+                  "backend of this desktop (xdg-desktop-portal-gnome, xdg-desktop-portal-kde, or "
+                  "xdg-desktop-portal-wlr with xdg-desktop-portal-gtk beside it and PipeWire running)."_s);
     return m_compositorCopiesScreens;
 }

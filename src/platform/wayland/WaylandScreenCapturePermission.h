@@ -4,9 +4,9 @@
 
 class SystemLog;
 
-// On Wayland the screen can be read where the compositor offers a way (wlr-screencopy); there is nothing
-// to ask the user. Where it offers none, every capture is refused and the system log says what to
-// install. Called by the capture's permission gate.
+// On Wayland the screen can be read where the desktop offers a way (wlr-screencopy, the Screenshot
+// portal, which asks the user itself); there is nothing to ask here. Where it offers none, every capture
+// is refused and the system log says what to install. Called by the capture's permission gate.
 class WaylandScreenCapturePermission final : public ScreenCapturePermission
 {
 public:
