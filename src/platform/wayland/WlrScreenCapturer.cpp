@@ -48,7 +48,8 @@ void WlrScreenCapturer::shareableDisplays(ContentCompletion completion)
         return;
     }
     QList<ShareableDisplay> displays;
-    for (const DesktopScreen &screen : DesktopSpace::current().screens()) {
+    const DesktopSpace space = DesktopSpace::current();
+    for (const DesktopScreen &screen : space.screens()) {
         const WaylandConnection::Output *output = m_connection->output(screen.name);
         const std::optional<quint32> id = m_displays.displayID(screen.name);
         if (output && id && output->modeSize.isValid())
