@@ -6,7 +6,28 @@
 
 #include "platform/DisplayProvider.h"
 
+#include <QTimer>
 #include <QWindow>
+
+namespace {
+// Repaints at once whenever the compositor exposes the window again. Qt 6.4 acknowledges a new size or
+// state of a Wayland window without drawing it anew, and sway holds every output's next frame until it
+// gives up waiting for that drawing (200 ms): the overlays would show that much later.
+class ExposeRepaint final : public QObject
+{
+public:
+    explicit ExposeRepaint(QWidget *widget) : QObject(widget), m_widget(widget) {}
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Expose && m_widget->windowHandle()->isExposed())
+            QTimer::singleShot(0, m_widget, [w = m_widget] { w->repaint(); });
+        return false;
+    }
+
+private:
+    QWidget *m_widget;
+};
+} // namespace
 
 QtSelectionWindow::QtSelectionWindow(SelectionOverlayWidget *widget, const DisplayProvider &displays,
                                      InputGrab &grab, bool fillsScreen)
@@ -123,6 +144,10 @@ void QtSelectionWindow::orderFront()
     if (m_fillsScreen) {
         // The native window has its screen already (setFrame): a widget placed by its geometry alone
         // may stay undrawn on a second output until the pointer crosses it (sway).
+        if (!m_widget->findChild<ExposeRepaint *>()) {
+            m_widget->winId();
+            m_widget->windowHandle()->installEventFilter(new ExposeRepaint(m_widget));
+        }
         m_widget->showFullScreen();
         return;
     }

@@ -14,6 +14,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// A freeze asks for its displays one after the other within a few milliseconds.
+constexpr int laterDisplaysLifetimeMs = 250;
+
 QImage imageOf(const wlrscreencopy::Pixels &pixels)
 {
     auto *hold = new std::shared_ptr<const void>(pixels.owner);
@@ -37,6 +40,9 @@ WlrScreenCapturer::WlrScreenCapturer(std::unique_ptr<WaylandConnection> connecti
                                      const WaylandDisplayProvider &displays)
     : m_connection(std::move(connection)), m_displays(displays)
 {
+    m_forgetLaterDisplays.setSingleShot(true);
+    m_forgetLaterDisplays.setInterval(laterDisplaysLifetimeMs);
+    QObject::connect(&m_forgetLaterDisplays, &QTimer::timeout, [this] { m_laterDisplays.clear(); });
 }
 
 WlrScreenCapturer::~WlrScreenCapturer() = default;
@@ -67,12 +73,15 @@ void WlrScreenCapturer::captureDisplay(quint32 displayID, const Rect &sourceRect
         completion({}, u"display %1 is not connected"_s.arg(displayID));
         return;
     }
-    std::vector<wlrscreencopy::Result> results = wlrscreencopy::copy(*m_connection, {{output, std::nullopt}});
-    if (const QString *failure = std::get_if<QString>(&results.front())) {
-        completion({}, *failure);
-        return;
+    QImage image = m_laterDisplays.take(*name);
+    if (image.isNull()) {
+        std::variant<QImage, QString> copied = copyAllOutputs(*name);
+        if (const QString *failure = std::get_if<QString>(&copied)) {
+            completion({}, *failure);
+            return;
+        }
+        image = std::get<QImage>(std::move(copied));
     }
-    QImage image = imageOf(std::get<wlrscreencopy::Pixels>(results.front()));
     const QSizeF perPoint(image.width() / double(output->logical.width()),
                           image.height() / double(output->logical.height()));
     const QRect part = pixelRect(sourceRect, perPoint).intersected(image.rect());
@@ -81,6 +90,30 @@ void WlrScreenCapturer::captureDisplay(quint32 displayID, const Rect &sourceRect
     if (!image.isNull() && image.size() != outputSize)
         image = image.scaled(outputSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     completion(std::move(image), std::nullopt);
+}
+
+std::variant<QImage, QString> WlrScreenCapturer::copyAllOutputs(const QString &wanted)
+{
+    m_laterDisplays.clear();
+    std::vector<wlrscreencopy::Request> requests;
+    for (const std::unique_ptr<WaylandConnection::Output> &output : m_connection->outputs())
+        requests.push_back({output.get(), std::nullopt});
+    std::vector<wlrscreencopy::Result> results = wlrscreencopy::copy(*m_connection, requests);
+    std::variant<QImage, QString> answer = u"display %1 is not connected"_s.arg(wanted);
+    for (size_t i = 0; i < results.size(); ++i) {
+        const QString &name = requests[i].output->name;
+        if (const QString *failure = std::get_if<QString>(&results[i])) {
+            if (name == wanted)
+                answer = *failure;
+        } else if (name == wanted) {
+            answer = imageOf(std::get<wlrscreencopy::Pixels>(results[i]));
+        } else {
+            m_laterDisplays.insert(name, imageOf(std::get<wlrscreencopy::Pixels>(results[i])));
+        }
+    }
+    if (!m_laterDisplays.isEmpty())
+        m_forgetLaterDisplays.start();
+    return answer;
 }
 
 void WlrScreenCapturer::captureRect(const Rect &globalRect, ImageCompletion completion)
