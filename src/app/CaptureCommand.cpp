@@ -33,9 +33,17 @@ namespace capturecommand {
 
 namespace {
 
-// The PNG writer's own settings: its fastest deflate, on two threads.
-constexpr int compressionLevel = 1;
-constexpr bool mayUseSecondThread = true;
+// How the PNG is compressed. On X11 the writer's own settings, its fastest deflate on two threads,
+// already give files smaller than scrot's. On Wayland grim writes at zlib's default level, which that
+// would leave 9 % behind; a stronger deflate on one thread comes within 5 % of grim's files and is still
+// three times as fast.
+struct Compression
+{
+    int level = 1;
+    bool mayUseSecondThread = true;
+};
+constexpr Compression x11Compression{1, true};
+constexpr Compression waylandCompression{6, false};
 
 struct Failure
 {
@@ -67,9 +75,9 @@ std::variant<QString, Failure> destination(const QProcessEnvironment &environmen
 
 // The file named by -o, written where it is, as other tools do: no temporary file and no forced flush
 // to the disk, so a pipe or a device serves too. A failed write removes what it left.
-std::optional<QString> writeOutput(const PngPixels &pixels, const QString &path)
+std::optional<QString> writeOutput(const PngPixels &pixels, Compression compression, const QString &path)
 {
-    const QByteArray png = pngencoder::encode(pixels, compressionLevel, mayUseSecondThread);
+    const QByteArray png = pngencoder::encode(pixels, compression.level, compression.mayUseSecondThread);
     if (png.isEmpty())
         return u"the capture could not be encoded as PNG"_s;
     const bool isStandardOutput = path == u"-"_s;
@@ -104,15 +112,16 @@ int run(const commandline::CaptureOptions &options, const QProcessEnvironment &e
     const std::variant<desktopsession::Kind, QString> session = desktopsession::choose(environment);
     if (const QString *missing = std::get_if<QString>(&session))
         return fail(*missing);
-    const CaptureRead read = std::get<desktopsession::Kind>(session) == desktopsession::Kind::Wayland
-                                 ? waylandcapturesource::read(options)
-                                 : x11capturesource::read(options, environment);
+    const bool onWayland = std::get<desktopsession::Kind>(session) == desktopsession::Kind::Wayland;
+    const CaptureRead read =
+        onWayland ? waylandcapturesource::read(options) : x11capturesource::read(options, environment);
+    const Compression compression = onWayland ? waylandCompression : x11Compression;
     if (const QString *failure = std::get_if<QString>(&read))
         return fail(*failure);
     const PngPixels &pixels = std::get<CapturedPixels>(read).pixels;
 
     if (options.output) {
-        const std::optional<QString> problem = writeOutput(pixels, *options.output);
+        const std::optional<QString> problem = writeOutput(pixels, compression, *options.output);
         return problem ? fail(*problem) : commandline::exitSuccess;
     }
     const std::variant<QString, Failure> saved = destination(environment);
@@ -121,7 +130,7 @@ int run(const commandline::CaptureOptions &options, const QProcessEnvironment &e
     const QString &path = std::get<QString>(saved);
     // Saved as the application saves: a failed write never replaces an earlier capture of that name.
     if (const std::optional<PngWriter::Failure> failure =
-            pngencoder::writeFile(pixels, path, compressionLevel, mayUseSecondThread))
+            pngencoder::writeFile(pixels, path, compression.level, compression.mayUseSecondThread))
         return fail(u"cannot write %1: %2"_s.arg(path, failure->description));
 
     std::printf("%s\n", QFile::encodeName(path).constData());
