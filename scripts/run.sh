@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds Vistrel in release mode and starts it (in the tray of the current
-# X11 session). Arguments go to vistrel.
+# X11 or Wayland session). Arguments go to vistrel.
 #
 #   scripts/run.sh [ARGUMENT...]
 set -euo pipefail
