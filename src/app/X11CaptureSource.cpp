@@ -62,7 +62,7 @@ CaptureRead read(const commandline::CaptureOptions &options, const QProcessEnvir
     X11RootReader::Read read = reader->read(std::get<QRect>(rect), true);
     if (read.pixels.isNull())
         return u"cannot read the screen: "_s + read.error.value_or(u"unknown error"_s);
-    const X11Pixels &p = read.pixels;
+    const ScreenPixels &p = read.pixels;
     // The pixels, the reader that made them and the connection it reads through go together, and go in
     // that order (members end in the reverse order of their declaration).
     struct Hold

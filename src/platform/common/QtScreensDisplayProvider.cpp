@@ -56,6 +56,17 @@ QList<DisplayInfo> QtScreensDisplayProvider::screens() const
     return displays;
 }
 
+QList<ScreenCapturer::ShareableDisplay> QtScreensDisplayProvider::shareableDisplays() const
+{
+    QList<ScreenCapturer::ShareableDisplay> displays;
+    const DesktopSpace space = DesktopSpace::current();
+    for (const DesktopScreen &screen : space.screens()) {
+        if (const std::optional<quint32> id = displayID(screen.name))
+            displays.append({*id, screen.native.width(), screen.native.height()});
+    }
+    return displays;
+}
+
 std::optional<DisplayInfo> QtScreensDisplayProvider::mainScreen() const
 {
     const QList<DisplayInfo> displays = screens();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/DisplayProvider.h"
+#include "platform/ScreenCapturer.h"
 
 #include <QObject>
 #include <QPointF>
@@ -22,6 +23,8 @@ public:
     // The id of the display Qt calls `name`: the same for as long as the session runs, and distinct for
     // every display. Nothing when the system would not name it.
     virtual std::optional<quint32> displayID(const QString &name) const = 0;
+    // The displays as a screen capturer lists them: each one's id, and its size in device pixels.
+    QList<ScreenCapturer::ShareableDisplay> shareableDisplays() const;
     // The pointer in Qt's logical space, when it is known.
     virtual std::optional<QPointF> pointerPosition() const = 0;
 

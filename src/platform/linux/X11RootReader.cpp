@@ -34,14 +34,14 @@ X11RootReader::Read X11RootReader::read(const QRect &requested, bool mayKeepSegm
     if (native.isEmpty())
         return {{}, u"rectangle %1,%2 %3x%4 is outside the screen"_s.arg(requested.x()).arg(requested.y())
                         .arg(requested.width()).arg(requested.height())};
-    X11Pixels pixels = m_useSharedMemory ? m_segments.grab(m_root, native) : X11Pixels();
+    ScreenPixels pixels = m_useSharedMemory ? m_segments.grab(m_root, native) : ScreenPixels();
     if (!pixels.isNull() && !mayKeepSegment) {
         // Copied out, so the segment is free again at once.
         const size_t bytes = size_t(pixels.bytesPerLine) * size_t(pixels.height);
         std::shared_ptr<uchar[]> own(new (std::nothrow) uchar[bytes]);
         if (own)
             std::memcpy(own.get(), pixels.data, bytes);
-        pixels = own ? X11Pixels{own, own.get(), pixels.width, pixels.height, pixels.bytesPerLine} : X11Pixels();
+        pixels = own ? ScreenPixels{own, own.get(), pixels.width, pixels.height, pixels.bytesPerLine} : ScreenPixels();
     }
     if (pixels.isNull())
         pixels = getImage(native);
@@ -50,7 +50,7 @@ X11RootReader::Read X11RootReader::read(const QRect &requested, bool mayKeepSegm
     return {std::move(pixels), std::nullopt};
 }
 
-X11Pixels X11RootReader::getImage(const QRect &native) const
+ScreenPixels X11RootReader::getImage(const QRect &native) const
 {
     xcb_get_image_reply_t *reply = xcb_get_image_reply(
         m_connection,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "X11Pixels.h"
+#include "ScreenPixels.h"
 #include "X11ShmSegments.h"
 
 #include <QRect>
@@ -25,7 +25,7 @@ public:
 
     struct Read
     {
-        X11Pixels pixels;
+        ScreenPixels pixels;
         // Why there are no pixels.
         std::optional<QString> error;
     };
@@ -44,7 +44,7 @@ public:
     void trim(size_t count) { m_segments.trim(count); }
 
 private:
-    X11Pixels getImage(const QRect &native) const;
+    ScreenPixels getImage(const QRect &native) const;
 
     xcb_connection_t *m_connection;
     xcb_window_t m_root = 0;

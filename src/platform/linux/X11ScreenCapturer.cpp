@@ -32,13 +32,7 @@ X11ScreenCapturer::X11ScreenCapturer(xcb_connection_t *connection, const X11Disp
 
 void X11ScreenCapturer::shareableDisplays(ContentCompletion completion)
 {
-    QList<ShareableDisplay> displays;
-    const DesktopSpace space = DesktopSpace::current();
-    for (const DesktopScreen &screen : space.screens()) {
-        if (const std::optional<quint32> id = m_displays.displayID(screen.name))
-            displays.append({*id, screen.native.width(), screen.native.height()});
-    }
-    completion(displays, std::nullopt);
+    completion(m_displays.shareableDisplays(), std::nullopt);
 }
 
 void X11ScreenCapturer::captureDisplay(quint32 displayID, const Rect &sourceRect, QSize outputSize,
@@ -70,11 +64,5 @@ X11ScreenCapturer::Grab X11ScreenCapturer::grabRoot(const QRect &requested, bool
     m_reader.trim(size_t(std::max<qsizetype>(1, DesktopSpace::current().screens().size())));
     if (read.pixels.isNull())
         return {{}, std::move(read.error)};
-    // The image keeps the pixels' memory for as long as any copy of it lives.
-    const X11Pixels &pixels = read.pixels;
-    auto *hold = new std::shared_ptr<const void>(pixels.owner);
-    QImage image(const_cast<uchar *>(pixels.data), pixels.width, pixels.height, pixels.bytesPerLine,
-                 QImage::Format_RGB32, [](void *info) { delete static_cast<std::shared_ptr<const void> *>(info); },
-                 hold);
-    return {std::move(image), std::nullopt};
+    return {read.pixels.image(), std::nullopt};
 }

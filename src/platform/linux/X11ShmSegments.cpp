@@ -68,7 +68,7 @@ std::shared_ptr<X11ShmSegments::Segment> X11ShmSegments::acquire(size_t bytes)
     return best;
 }
 
-X11Pixels X11ShmSegments::grab(xcb_drawable_t drawable, const QRect &rect)
+ScreenPixels X11ShmSegments::grab(xcb_drawable_t drawable, const QRect &rect)
 {
     if (!m_isAvailable || rect.isEmpty())
         return {};

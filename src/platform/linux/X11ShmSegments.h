@@ -1,6 +1,6 @@
 #pragma once
 
-#include "X11Pixels.h"
+#include "ScreenPixels.h"
 
 #include <QRect>
 
@@ -29,7 +29,7 @@ public:
 
     // The pixels of `rect` of `drawable` (32 bits per pixel, as the root's format is checked to be),
     // reading straight from a segment; null when the server refused.
-    X11Pixels grab(xcb_drawable_t drawable, const QRect &rect);
+    ScreenPixels grab(xcb_drawable_t drawable, const QRect &rect);
     // Keeps at most `count` unused segments, dropping the others.
     void trim(size_t count);
 

@@ -55,13 +55,7 @@ bool PortalScreenCapturer::isOffered(const QDBusConnection &bus)
 
 void PortalScreenCapturer::shareableDisplays(ContentCompletion completion)
 {
-    QList<ShareableDisplay> displays;
-    const DesktopSpace space = DesktopSpace::current();
-    for (const DesktopScreen &screen : space.screens()) {
-        if (const std::optional<quint32> id = m_displays.displayID(screen.name))
-            displays.append({*id, screen.native.width(), screen.native.height()});
-    }
-    completion(displays, std::nullopt);
+    completion(m_displays.shareableDisplays(), std::nullopt);
 }
 
 void PortalScreenCapturer::captureDisplay(quint32 displayID, const Rect &sourceRect, QSize outputSize,

@@ -17,13 +17,6 @@ namespace {
 // A freeze asks for its displays one after the other within a few milliseconds.
 constexpr int laterDisplaysLifetimeMs = 250;
 
-QImage imageOf(const wlrscreencopy::Pixels &pixels)
-{
-    auto *hold = new std::shared_ptr<const void>(pixels.owner);
-    return QImage(pixels.data, pixels.width, pixels.height, pixels.bytesPerLine, QImage::Format_RGB32,
-                  [](void *info) { delete static_cast<std::shared_ptr<const void> *>(info); }, hold);
-}
-
 // Points from the output's top-left corner to its pixels, rounded outward.
 QRect pixelRect(const Rect &points, QSizeF perPoint)
 {
@@ -106,9 +99,9 @@ std::variant<QImage, QString> WlrScreenCapturer::copyAllOutputs(const QString &w
             if (name == wanted)
                 answer = *failure;
         } else if (name == wanted) {
-            answer = imageOf(std::get<wlrscreencopy::Pixels>(results[i]));
+            answer = std::get<wlrscreencopy::Pixels>(results[i]).image();
         } else {
-            m_laterDisplays.insert(name, imageOf(std::get<wlrscreencopy::Pixels>(results[i])));
+            m_laterDisplays.insert(name, std::get<wlrscreencopy::Pixels>(results[i]).image());
         }
     }
     if (!m_laterDisplays.isEmpty())
@@ -153,7 +146,7 @@ void WlrScreenCapturer::captureRect(const Rect &globalRect, ImageCompletion comp
         }
         const QRectF &place = places[i];
         painter.drawImage(QRectF(place.topLeft() * scale, place.size() * scale),
-                          imageOf(std::get<wlrscreencopy::Pixels>(results[i])));
+                          std::get<wlrscreencopy::Pixels>(results[i]).image());
     }
     painter.end();
     completion(std::move(image), std::nullopt);

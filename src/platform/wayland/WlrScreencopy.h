@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ScreenPixels.h"
 #include "WaylandConnection.h"
 
 #include <QRect>
@@ -15,16 +16,8 @@
 // answer is awaited. Blocks the calling thread for about one frame. Not thread-safe (as the connection).
 namespace wlrscreencopy {
 
-// 32 bits per pixel, 0xffRRGGBB in the machine's byte order (QImage::Format_RGB32), top row first;
-// `owner` keeps the memory mapped for as long as any copy of it lives.
-struct Pixels
-{
-    std::shared_ptr<const void> owner;
-    const uchar *data = nullptr;
-    int width = 0;
-    int height = 0;
-    qsizetype bytesPerLine = 0;
-};
+// The copy, its owner keeping the memory mapped.
+using Pixels = ScreenPixels;
 
 struct Request
 {
