@@ -51,6 +51,8 @@ def trigger(probe, command):
                             timeout=30)
     values = figures(result.stdout)
     check(overlays() or values.get("pixels_ms") is None, "the probe saw a change but no overlay is up")
+    # sway gives the keyboard to the overlay once it has mapped it, a little after its first pixels.
+    time.sleep(0.3)
     key("Escape")
     gone = check(_wait(lambda: not overlays(), 5), f"Escape left overlays up: {overlays()}")
     # The compositor draws the desktop again before the next baseline is read.
