@@ -123,7 +123,10 @@ for arguments, grim_arguments in [(["--display", "1"], ["-o", "HEADLESS-2"]),
         problem = differs(theirs, Image.open(mine))
         check(problem is None, f"vistrel capture {arguments} differs from grim: {problem}")
 
-# A scale changed while Vistrel runs is taken at the next freeze: the second output at scale 1.
+# A scale changed while Vistrel runs is taken at the next freeze: the second output at scale 1. The
+# capture's notification then opens the editor, an ordinary window here, whose Return saves the edited
+# picture beside it and serves it on the clipboard.
+run("dunstctl", "close-all")
 before = len(log_lines())
 swaymsg("output", "HEADLESS-2", "scale", "1")
 if check(wait_for_line("screen parameters changed: ", before), "the scale change was not noticed"):
@@ -133,6 +136,20 @@ if check(wait_for_line("screen parameters changed: ", before), "the scale change
         drag((1600, 300), (1900, 500))
         path = captured(before, (1600, 300, 300, 200), "after the scale change")
         check(not path or Image.open(path).size == (300, 200), "the capture after the scale change is not at scale 1")
+        if path and check(wait_until(lambda: notifications_shown() == 1), "dunst shows no edit notification"):
+            run("dunstctl", "action", "0")
+            editor = wait_until(lambda: [w for w in windows() if w["name"] == "Vistrel 編集" and w["focused"]], 10)
+            if check(editor, f"the notification did not open a focused editor: {windows()}"):
+                time.sleep(0.5)
+                key("Return")
+                edited = path[:-len(".png")] + "_edited.png"
+                if check(wait_until(lambda: os.path.exists(edited), 10), "Return in the editor saved nothing"):
+                    time.sleep(0.3)
+                    problem = differs(Image.open(path), Image.open(edited))
+                    check(problem is None, f"the edited picture without overlays differs from the capture: {problem}")
+                    clip = clipboard_png()
+                    check(clip is None or differs(Image.open(edited), clip) is None,
+                          "the clipboard does not serve the edited picture")
 swaymsg("output", "HEADLESS-2", "scale", "2")
 
 app.quit()
