@@ -8,9 +8,11 @@
 #include <QDBusMessage>
 #include <QFile>
 #include <QFileInfo>
+#include <QCoreApplication>
 #include <QUrl>
 
 #include <cmath>
+#include <future>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -43,6 +45,13 @@ PortalScreenCapturer::PortalScreenCapturer(const QDBusConnection &bus, const Way
                                            SystemLog &log)
     : m_bus(bus), m_displays(displays), m_log(log)
 {
+    // Before the scheduler waits for its workers at quit (it is made later), so none waits on us.
+    connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, [this] { m_quitting = true; });
+}
+
+PortalScreenCapturer::~PortalScreenCapturer()
+{
+    m_quitting = true;
 }
 
 bool PortalScreenCapturer::isOffered(const QDBusConnection &bus)
@@ -83,6 +92,21 @@ void PortalScreenCapturer::captureDisplay(quint32 displayID, const Rect &sourceR
         }
         completion({}, u"display %1 is not connected"_s.arg(displayID));
     });
+}
+
+bool PortalScreenCapturer::takeImageAndWait()
+{
+    auto answer = std::make_shared<std::promise<bool>>();
+    std::future<bool> granted = answer->get_future();
+    QMetaObject::invokeMethod(this, [this, answer] {
+        withLayout(std::nullopt, [answer](const Layout &layout) { answer->set_value(!layout.image.isNull()); });
+    }, Qt::QueuedConnection);
+    // The user may take a while over the desktop's dialog.
+    while (granted.wait_for(std::chrono::milliseconds(100)) != std::future_status::ready) {
+        if (m_quitting)
+            return false;
+    }
+    return granted.get();
 }
 
 void PortalScreenCapturer::captureRect(const Rect &globalRect, ImageCompletion completion)

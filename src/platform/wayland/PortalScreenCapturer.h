@@ -10,6 +10,7 @@
 #include <QRectF>
 #include <QSet>
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -27,6 +28,7 @@ class PortalScreenCapturer final : public QObject, public ScreenCapturer
 {
 public:
     PortalScreenCapturer(const QDBusConnection &bus, const WaylandDisplayProvider &displays, SystemLog &log);
+    ~PortalScreenCapturer() override;
 
     // Whether the session bus has a portal with the Screenshot interface (started on demand, waited
     // for a few seconds at most).
@@ -36,6 +38,11 @@ public:
     void captureDisplay(quint32 displayID, const Rect &sourceRect, QSize outputSize,
                         ImageCompletion completion) override;
     void captureRect(const Rect &globalRect, ImageCompletion completion) override;
+
+    // From a worker thread: asks the portal for an image of the layout, kept for the captures that
+    // follow, and waits for the answer. True when the portal gave one; false when it refused, or when
+    // the application quits first.
+    bool takeImageAndWait();
 
 private:
     // The portal's image of the layout, with the layout (Qt's screens, layout coordinates) as it was
@@ -69,4 +76,6 @@ private:
     std::optional<Layout> m_last;
     QList<Waiting> m_waiting;
     QDateTime m_askedAt;
+    // Set once the application quits: a worker waiting for the portal gives up.
+    std::atomic<bool> m_quitting = false;
 };

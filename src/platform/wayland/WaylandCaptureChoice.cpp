@@ -1,5 +1,6 @@
 #include "WaylandCaptureChoice.h"
 
+#include "PortalScreenCapturePermission.h"
 #include "PortalScreenCapturer.h"
 #include "WaylandConnection.h"
 #include "WaylandScreenCapturePermission.h"
@@ -22,12 +23,14 @@ WaylandCaptureChoice WaylandCaptureChoice::choose(std::unique_ptr<WaylandConnect
     WaylandCaptureChoice choice;
     if (portal) {
         log.log(u"Vistrel: wayland capture via the Screenshot portal"_s);
-        choice.capturer = std::make_unique<PortalScreenCapturer>(bus, displays, log);
-    } else {
-        if (screencopy)
-            log.log(u"Vistrel: wayland capture via wlr-screencopy"_s);
-        choice.capturer = std::make_unique<WlrScreenCapturer>(std::move(connection), displays);
+        auto capturer = std::make_unique<PortalScreenCapturer>(bus, displays, log);
+        choice.permission = std::make_unique<PortalScreenCapturePermission>(*capturer);
+        choice.capturer = std::move(capturer);
+        return choice;
     }
-    choice.permission = std::make_unique<WaylandScreenCapturePermission>(screencopy || portal, log);
+    if (screencopy)
+        log.log(u"Vistrel: wayland capture via wlr-screencopy"_s);
+    choice.capturer = std::make_unique<WlrScreenCapturer>(std::move(connection), displays);
+    choice.permission = std::make_unique<WaylandScreenCapturePermission>(screencopy, log);
     return choice;
 }

@@ -4,9 +4,10 @@
 
 class SystemLog;
 
-// On Wayland the screen can be read where the desktop offers a way (wlr-screencopy, the Screenshot
-// portal, which asks the user itself); there is nothing to ask here. Where it offers none, every capture
-// is refused and the system log says what to install. Called by the capture's permission gate.
+// On a compositor that lets clients copy its outputs (wlr-screencopy) there is nothing to ask. Where the
+// desktop offers no way to read the screen, every capture is refused and the system log says what to
+// install. (The portal's own permission is PortalScreenCapturePermission.) Called by the capture's
+// permission gate.
 class WaylandScreenCapturePermission final : public ScreenCapturePermission
 {
 public:
