@@ -25,7 +25,8 @@ std::unique_ptr<AppDelegate> makeDelegate(QCoreApplication &application, Setting
         capture, editor,
         []() -> UpdateCommands & { return SoftwareUpdaterModel::shared(); }, std::move(makeSettingsWindow),
         shortcutguidance::desktopFrom(qEnvironmentVariable("XDG_CURRENT_DESKTOP"),
-                                      qEnvironmentVariableIsSet("SWAYSOCK"))});
+                                      qEnvironmentVariableIsSet("SWAYSOCK")),
+        services.desktopKeybindings});
     AppDelegate *controller = delegate.get();
     QObject::connect(&application, &QCoreApplication::aboutToQuit, controller,
                      [controller] { controller->applicationWillTerminate(); });

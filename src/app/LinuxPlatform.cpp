@@ -8,6 +8,7 @@
 #include "DesktopWorkspace.h"
 #include "JsonFileKeyValueStore.h"
 #include "FastPngWriter.h"
+#include "GsettingsKeybindingStore.h"
 #include "LinuxSystemLog.h"
 #include "QtAlertPresenter.h"
 #include "QtApplicationControl.h"
@@ -74,7 +75,8 @@ LinuxPlatform::LinuxPlatform(std::unique_ptr<LinuxSystemLog> systemLog, SessionA
       m_editorWindows(std::make_unique<QtEditorWindowFactory>()),
       m_alerts(std::make_unique<QtAlertPresenter>()),
       m_openPanel(std::make_unique<QtOpenPanel>()),
-      m_folderChooser(std::make_unique<QtFolderChooser>())
+      m_folderChooser(std::make_unique<QtFolderChooser>()),
+      m_desktopKeybindings(std::make_unique<GsettingsKeybindingStore>())
 {
 }
 
@@ -126,5 +128,6 @@ PlatformServices LinuxPlatform::services() const
     services.editorWindows = m_editorWindows.get();
     services.alerts = m_alerts.get();
     services.openPanel = m_openPanel.get();
+    services.desktopKeybindings = m_desktopKeybindings.get();
     return services;
 }

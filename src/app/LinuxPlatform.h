@@ -16,6 +16,7 @@ class DBusUserNotifier;
 class DesktopWorkspace;
 class JsonFileKeyValueStore;
 class FastPngWriter;
+class GsettingsKeybindingStore;
 class LinuxSystemLog;
 class QtAlertPresenter;
 class QtApplicationControl;
@@ -77,4 +78,5 @@ private:
     std::unique_ptr<QtAlertPresenter> m_alerts;
     std::unique_ptr<QtOpenPanel> m_openPanel;
     std::unique_ptr<QtFolderChooser> m_folderChooser;
+    std::unique_ptr<GsettingsKeybindingStore> m_desktopKeybindings;
 };

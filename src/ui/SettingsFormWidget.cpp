@@ -85,6 +85,13 @@ QWidget *SettingsFormWidget::makeShortcutSection()
     m_repeat = new ShortcutSettingsRows(m_form, SettingsForm::Shortcut::Repeat, box);
     box->layout()->addWidget(m_capture);
     box->layout()->addWidget(m_repeat);
+    auto *bindRow = new QHBoxLayout;
+    m_bindOnDesktop = new QPushButton(texts::desktopBindingButton, box);
+    connect(m_bindOnDesktop, &QPushButton::clicked, this, [this] { m_form.bindOnDesktop(); });
+    bindRow->addWidget(m_bindOnDesktop);
+    m_bindingStatus = formcaption::make(QString(), box);
+    bindRow->addWidget(m_bindingStatus, 1);
+    qobject_cast<QVBoxLayout *>(box->layout())->addLayout(bindRow);
     return box;
 }
 
@@ -167,6 +174,10 @@ void SettingsFormWidget::refresh()
 {
     m_capture->refresh();
     m_repeat->refresh();
+    m_bindOnDesktop->setVisible(m_form.offersDesktopBinding());
+    m_bindOnDesktop->setEnabled(!m_form.isDesktopBindingBusy());
+    m_bindingStatus->setText(m_form.desktopBindingStatus());
+    m_bindingStatus->setVisible(m_form.offersDesktopBinding());
     showText(m_prefix, m_settings.filenamePrefix());
     showChecked(m_includeDate, m_settings.includeDate());
     showText(m_folder, m_settings.saveFolderPath());

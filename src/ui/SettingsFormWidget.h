@@ -30,6 +30,8 @@ public:
 
     ShortcutSettingsRows *captureShortcut() const { return m_capture; }
     ShortcutSettingsRows *repeatShortcut() const { return m_repeat; }
+    QPushButton *desktopBindingButton() const { return m_bindOnDesktop; }
+    QLabel *desktopBindingStatus() const { return m_bindingStatus; }
     QLineEdit *prefixField() const { return m_prefix; }
     QCheckBox *includeDateToggle() const { return m_includeDate; }
     QPushButton *changeFolderButton() const { return m_changeFolder; }
@@ -53,6 +55,8 @@ private:
     SettingsForm &m_form;
     ShortcutSettingsRows *m_capture = nullptr;
     ShortcutSettingsRows *m_repeat = nullptr;
+    QPushButton *m_bindOnDesktop = nullptr;
+    QLabel *m_bindingStatus = nullptr;
     QLineEdit *m_prefix = nullptr;
     QCheckBox *m_includeDate = nullptr;
     QPushButton *m_changeFolder = nullptr;

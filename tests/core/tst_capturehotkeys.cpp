@@ -1,4 +1,5 @@
 #include "FakeCommands.h"
+#include "FakeCustomKeybindingStore.h"
 #include "FakeDiagnosticsLog.h"
 #include "FakeHotKeyRegistrar.h"
 #include "FakeKeyValueStore.h"
@@ -7,6 +8,8 @@
 #include "FakeUserNotifier.h"
 
 #include "app/CaptureHotKeys.h"
+#include "app/GnomeShortcutBinding.h"
+#include "app/GnomeShortcutRules.h"
 #include "app/ShortcutGuidance.h"
 #include "settings/AppSettings.h"
 #include "settings/KeyTable.h"
@@ -18,11 +21,14 @@ using namespace Qt::StringLiterals;
 using Binder = HotKeyRegistrar::Binder;
 using shortcutguidance::Command;
 using shortcutguidance::Desktop;
+using Keybinding = CustomKeybindingStore::Keybinding;
+using BindingState = GnomeShortcutBinding::State;
 
 Q_DECLARE_METATYPE(HotKeyRegistrar::Binder)
 Q_DECLARE_METATYPE(shortcutguidance::Command)
 Q_DECLARE_METATYPE(shortcutguidance::Desktop)
 Q_DECLARE_METATYPE(ShortcutKeyCombo)
+Q_DECLARE_METATYPE(GnomeShortcutBinding::State)
 
 namespace {
 
@@ -55,6 +61,11 @@ constexpr quint32 vstl = 0x5653544C;
 constexpr quint64 controlShift = ShortcutKeyCombo::Control | ShortcutKeyCombo::Shift;
 constexpr quint64 shiftCommand = ShortcutKeyCombo::Shift | ShortcutKeyCombo::Command;
 
+QString gnomeEntry(int n)
+{
+    return gnomeshortcuts::entryFolder + u"custom"_s + QString::number(n) + u'/';
+}
+
 } // namespace
 
 class CaptureHotKeysTest : public QObject
@@ -75,6 +86,10 @@ private slots:
     void bindingTexts();
     void guidanceIsNotifiedOnce_data();
     void guidanceIsNotifiedOnce();
+    void gnomePlans_data();
+    void gnomePlans();
+    void gnomeBindingOnClick_data();
+    void gnomeBindingOnClick();
 };
 
 void CaptureHotKeysTest::registersBothFromSettings()
@@ -182,16 +197,20 @@ void CaptureHotKeysTest::desktopTriggers_data()
     QTest::addColumn<QString>("xdg");
     QTest::addColumn<QString>("sway");
     QTest::addColumn<QString>("readable");
+    QTest::addColumn<QString>("gnome");
     QTest::newRow("letter with the default modifiers")
-        << u"S"_s << shiftCommand << u"SHIFT+LOGO+s"_s << u"Shift+Mod4+s"_s << u"Shift+Super+S"_s;
-    QTest::newRow("all four, in the order of ⌃⌥⇧⌘")
+        << u"S"_s << shiftCommand << u"SHIFT+LOGO+s"_s << u"Shift+Mod4+s"_s << u"Shift+Super+S"_s << u"<Shift><Super>s"_s;
+    QTest::newRow("all four, in the order of ⌃⌥⇧⌘; GTK's order for GNOME")
         << u"4"_s << quint64(0x1e0000) << u"CTRL+ALT+SHIFT+LOGO+4"_s << u"Ctrl+Alt+Shift+Mod4+4"_s
-        << u"Ctrl+Alt+Shift+Super+4"_s;
+        << u"Ctrl+Alt+Shift+Super+4"_s << u"<Shift><Control><Alt><Super>4"_s;
     QTest::newRow("punctuation by keysym name")
-        << u"-"_s << quint64(ShortcutKeyCombo::Control) << u"CTRL+minus"_s << u"Ctrl+minus"_s << u"Ctrl+minus"_s;
+        << u"-"_s << quint64(ShortcutKeyCombo::Control) << u"CTRL+minus"_s << u"Ctrl+minus"_s << u"Ctrl+minus"_s
+        << u"<Control>minus"_s;
     QTest::newRow("ENTER is the Return key")
-        << u"ENTER"_s << quint64(ShortcutKeyCombo::Option) << u"ALT+Return"_s << u"Alt+Return"_s << u"Alt+Return"_s;
-    QTest::newRow("no modifier, other bits ignored") << u"SPACE"_s << quint64(0x1) << u"space"_s << u"space"_s << u"space"_s;
+        << u"ENTER"_s << quint64(ShortcutKeyCombo::Option) << u"ALT+Return"_s << u"Alt+Return"_s << u"Alt+Return"_s
+        << u"<Alt>Return"_s;
+    QTest::newRow("no modifier, other bits ignored")
+        << u"SPACE"_s << quint64(0x1) << u"space"_s << u"space"_s << u"space"_s << u"space"_s;
 }
 
 void CaptureHotKeysTest::desktopTriggers()
@@ -201,6 +220,9 @@ void CaptureHotKeysTest::desktopTriggers()
     QFETCH(QString, xdg);
     QFETCH(QString, sway);
     QFETCH(QString, readable);
+    QFETCH(QString, gnome);
+    QCOMPARE(gnomeshortcuts::accelerator({key, modifiers}), gnome);
+    QCOMPARE(gnomeshortcuts::accelerator({u"F1"_s, modifiers}), std::nullopt);
     const quint32 code = *keytable::keyCode(key);
     const quint32 carbon = keytable::carbonModifierFlags({key, modifiers});
     QCOMPARE(shortcuttriggers::xdgTrigger(code, carbon), xdg);
@@ -312,6 +334,118 @@ void CaptureHotKeysTest::guidanceIsNotifiedOnce()
                            "bindsym Shift+Mod4+s exec vistrel select\n"
                            "bindsym Ctrl+Shift+4 exec vistrel repeat\n"
                            "クリックすると設定を開きます。"_s);
+}
+
+void CaptureHotKeysTest::gnomePlans_data()
+{
+    QTest::addColumn<QList<Keybinding>>("existing");
+    QTest::addColumn<QStringList>("paths");
+    QTest::addColumn<QList<Keybinding>>("entries");
+    const QString select = u"vistrel select"_s;
+    const QString repeat = u"vistrel repeat"_s;
+    const QString selectName = u"Vistrel: スクリーンショットを撮る"_s;
+    const QString repeatName = u"Vistrel: 繰り返し撮影"_s;
+    const Keybinding terminal{gnomeEntry(0), u"Terminal"_s, u"kgx"_s, u"<Super>t"_s};
+    const Keybinding other{u"/org/example/own/"_s, u"Mine"_s, u"mine"_s, u"<Super>m"_s};
+    QTest::newRow("nothing listed: custom0 and custom1")
+        << QList<Keybinding>{} << QStringList{gnomeEntry(0), gnomeEntry(1)}
+        << QList<Keybinding>{{gnomeEntry(0), selectName, select, u"<Shift><Super>s"_s},
+                             {gnomeEntry(1), repeatName, repeat, u"<Control>4"_s}};
+    QTest::newRow("the user's entries stay first; free folders are filled")
+        << QList<Keybinding>{terminal, {gnomeEntry(2)}, other}
+        << QStringList{gnomeEntry(0), gnomeEntry(2), other.path, gnomeEntry(1), gnomeEntry(3)}
+        << QList<Keybinding>{{gnomeEntry(1), selectName, select, u"<Shift><Super>s"_s},
+                             {gnomeEntry(3), repeatName, repeat, u"<Control>4"_s}};
+    QTest::newRow("a command already bound is rebound in place under the user's name")
+        << QList<Keybinding>{terminal, {gnomeEntry(1), u"Shot"_s, u" vistrel  select "_s, u"<Super>p"_s}}
+        << QStringList{gnomeEntry(0), gnomeEntry(1), gnomeEntry(2)}
+        << QList<Keybinding>{{gnomeEntry(1), u"Shot"_s, select, u"<Shift><Super>s"_s},
+                             {gnomeEntry(2), repeatName, repeat, u"<Control>4"_s}};
+    QTest::newRow("binding again adds nothing")
+        << QList<Keybinding>{{gnomeEntry(5), repeatName, repeat, u"<Super>r"_s}, {gnomeEntry(3), QString(), select}}
+        << QStringList{gnomeEntry(5), gnomeEntry(3)}
+        << QList<Keybinding>{{gnomeEntry(3), selectName, select, u"<Shift><Super>s"_s},
+                             {gnomeEntry(5), repeatName, repeat, u"<Control>4"_s}};
+}
+
+void CaptureHotKeysTest::gnomePlans()
+{
+    QFETCH(QList<Keybinding>, existing);
+    QFETCH(QStringList, paths);
+    QFETCH(QList<Keybinding>, entries);
+    const ShortcutKeyCombo capture{u"S"_s, shiftCommand};
+    const ShortcutKeyCombo ctrl4{u"4"_s, quint64(ShortcutKeyCombo::Control)};
+    const std::optional<gnomeshortcuts::Plan> plan = gnomeshortcuts::plan(existing, capture, ctrl4);
+    QVERIFY(plan);
+    QCOMPARE(plan->paths, paths);
+    QCOMPARE(plan->entries, entries);
+    // A key GNOME has no name for makes no plan at all.
+    QCOMPARE(gnomeshortcuts::plan(existing, capture, {u"F1"_s, controlShift}).has_value(), false);
+}
+
+void CaptureHotKeysTest::gnomeBindingOnClick_data()
+{
+    QTest::addColumn<Desktop>("desktop");
+    QTest::addColumn<Binder>("binder");
+    QTest::addColumn<QString>("readError");
+    QTest::addColumn<QString>("writeError");
+    QTest::addColumn<bool>("offered");
+    QTest::addColumn<BindingState>("state");
+    QTest::addColumn<QString>("status");
+    QTest::newRow("GNOME without a binder: bound")
+        << Desktop::Gnome << Binder::Nobody << QString() << QString() << true << BindingState::Bound
+        << u"GNOME のカスタムショートカットに登録しました。"_s;
+    QTest::newRow("the list cannot be read: nothing written")
+        << Desktop::Gnome << Binder::Nobody << u"gsettings: No such schema"_s << QString() << true
+        << BindingState::Failed << u"GNOME に登録できませんでした: gsettings: No such schema"_s;
+    QTest::newRow("writing fails") << Desktop::Gnome << Binder::Nobody << QString() << u"gsettings: denied"_s << true
+                                   << BindingState::Failed << u"GNOME に登録できませんでした: gsettings: denied"_s;
+    QTest::newRow("the portal binds: not offered")
+        << Desktop::Gnome << Binder::Portal << QString() << QString() << false << BindingState::Unbound << QString();
+    QTest::newRow("sway: not offered")
+        << Desktop::Sway << Binder::Nobody << QString() << QString() << false << BindingState::Unbound << QString();
+}
+
+void CaptureHotKeysTest::gnomeBindingOnClick()
+{
+    QFETCH(Desktop, desktop);
+    QFETCH(Binder, binder);
+    QFETCH(QString, readError);
+    QFETCH(QString, writeError);
+    QFETCH(bool, offered);
+    QFETCH(BindingState, state);
+    QFETCH(QString, status);
+    Fixture f;
+    FakeUserNotifier notifier;
+    FakeCustomKeybindingStore store;
+    if (!readError.isEmpty())
+        store.readError = readError;
+    if (!writeError.isEmpty())
+        store.writeError = writeError;
+    f.registrar.currentBinder = binder;
+    ShortcutGuidance guidance(f.registrar, f.settings, notifier, desktop, &store);
+    QCOMPARE(guidance.desktopBinding() != nullptr, offered);
+    if (!offered)
+        return;
+    const QString unbound = guidance.bindingText(Command::Select);
+    int changes = 0;
+    connect(&guidance, &ShortcutGuidance::binderChanged, this, [&changes] { ++changes; });
+    guidance.desktopBinding()->bind();
+
+    QCOMPARE(guidance.desktopBinding()->state(), state);
+    QCOMPARE(guidance.desktopBinding()->statusText(), status);
+    QCOMPARE(changes, 2);
+    QCOMPARE(store.writes, readError.isEmpty() ? 1 : 0);
+    if (state != BindingState::Bound) {
+        QCOMPARE(guidance.bindingText(Command::Select), unbound);
+        return;
+    }
+    QCOMPARE(store.writtenEntries.value(1).binding, u"<Shift><Super>r"_s);
+    QCOMPARE(guidance.bindingText(Command::Select), u"GNOME のカスタムショートカット"_s);
+    // New keys are not what GNOME has: the rows ask again.
+    f.settings.setHotKeyCombo({u"4"_s, controlShift});
+    QCOMPARE(guidance.desktopBinding()->state(), BindingState::Unbound);
+    QVERIFY(guidance.bindingText(Command::Select).startsWith(u"未登録: GNOME"_s));
 }
 
 QTEST_GUILESS_MAIN(CaptureHotKeysTest)

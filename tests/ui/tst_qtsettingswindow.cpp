@@ -1,4 +1,5 @@
 #include "FakeApplicationControl.h"
+#include "FakeCustomKeybindingStore.h"
 #include "FakeFolderChooser.h"
 #include "FakeHotKeyRegistrar.h"
 #include "FakeKeyValueStore.h"
@@ -123,14 +124,32 @@ void QtSettingsWindowTest::shortcutRowsShowTheCombos()
     FakeHotKeyRegistrar registrar;
     registrar.currentBinder = HotKeyRegistrar::Binder::Nobody;
     FakeUserNotifier notifier;
-    ShortcutGuidance guidance(registrar, f.settings, notifier, shortcutguidance::Desktop::Sway);
+    FakeCustomKeybindingStore gnomeKeybindings;
+    ShortcutGuidance guidance(registrar, f.settings, notifier, shortcutguidance::Desktop::Sway, &gnomeKeybindings);
     guidance.start();
     f.window.showShortcutBindings(guidance);
     QVERIFY(capture->bindingLabel()->isVisible());
+    QVERIFY(f.form().desktopBindingButton()->isHidden());
     QCOMPARE(repeat->bindingLabel()->text(),
              u"未登録: sway の設定に「bindsym Shift+Mod4+j exec vistrel repeat」を追加してください"_s);
     registrar.reportBinder(HotKeyRegistrar::Binder::Portal);
     QCOMPARE(capture->bindingLabel()->text(), u"デスクトップのポータル"_s);
+
+    // On GNOME with nothing binding them, one click binds both there, and the rows say so.
+    registrar.currentBinder = HotKeyRegistrar::Binder::Nobody;
+    ShortcutGuidance gnome(registrar, f.settings, notifier, shortcutguidance::Desktop::Gnome, &gnomeKeybindings);
+    gnome.start();
+    f.window.showShortcutBindings(gnome);
+    QPushButton *bind = f.form().desktopBindingButton();
+    QVERIFY(bind->isVisible());
+    QCOMPARE(bind->text(), u"GNOME に登録"_s);
+    bind->click();
+    QCOMPARE(gnomeKeybindings.writes, 1);
+    QCOMPARE(gnomeKeybindings.writtenEntries.value(1).binding, u"<Shift><Super>j"_s);
+    QCOMPARE(f.form().desktopBindingStatus()->text(), u"GNOME のカスタムショートカットに登録しました。"_s);
+    QCOMPARE(repeat->bindingLabel()->text(), u"GNOME のカスタムショートカット"_s);
+    registrar.reportBinder(HotKeyRegistrar::Binder::Portal);
+    QVERIFY(bind->isHidden());
 }
 
 void QtSettingsWindowTest::savingSection()

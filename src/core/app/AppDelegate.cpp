@@ -19,7 +19,7 @@
 AppDelegate::AppDelegate(Dependencies dependencies)
     : m_deps(std::move(dependencies)),
       m_hotKeys(m_deps.hotKeys, m_deps.settings, m_deps.capture, m_deps.diagnostics, m_deps.systemLog),
-      m_shortcutGuidance(m_deps.hotKeys, m_deps.settings, m_deps.notifier, m_deps.desktop)
+      m_shortcutGuidance(m_deps.hotKeys, m_deps.settings, m_deps.notifier, m_deps.desktop, m_deps.desktopKeybindings)
 {
 }
 

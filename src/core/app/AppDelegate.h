@@ -12,6 +12,7 @@
 class AppSettings;
 class ApplicationControl;
 class CaptureCommands;
+class CustomKeybindingStore;
 class DiagnosticsLog;
 class DisplayProvider;
 class EditorCommands;
@@ -48,6 +49,8 @@ public:
         std::function<std::unique_ptr<SettingsWindow>()> makeSettingsWindow;
         // The desktop whose settings the shortcut guidance names.
         shortcutguidance::Desktop desktop = shortcutguidance::Desktop::Other;
+        // The desktop's own custom shortcuts, where Vistrel can bind its commands there; may be null.
+        CustomKeybindingStore *desktopKeybindings = nullptr;
     };
 
     // How a notification is shown while the application is in front.

@@ -1,5 +1,6 @@
 #include "app/SettingsForm.h"
 
+#include "app/GnomeShortcutBinding.h"
 #include "app/SettingsFormTexts.h"
 #include "app/ShortcutGuidance.h"
 #include "platform/FolderChooser.h"
@@ -61,6 +62,29 @@ void SettingsForm::setShortcutGuidance(const ShortcutGuidance &guidance)
     m_guidance = &guidance;
     connect(m_guidance, &ShortcutGuidance::binderChanged, this, &SettingsForm::shortcutBindingsChanged);
     emit shortcutBindingsChanged();
+}
+
+bool SettingsForm::offersDesktopBinding() const
+{
+    return m_guidance && m_guidance->desktopBinding();
+}
+
+bool SettingsForm::isDesktopBindingBusy() const
+{
+    const GnomeShortcutBinding *binding = m_guidance ? m_guidance->desktopBinding() : nullptr;
+    return binding && binding->state() == GnomeShortcutBinding::State::Binding;
+}
+
+QString SettingsForm::desktopBindingStatus() const
+{
+    const GnomeShortcutBinding *binding = m_guidance ? m_guidance->desktopBinding() : nullptr;
+    return binding ? binding->statusText() : QString();
+}
+
+void SettingsForm::bindOnDesktop()
+{
+    if (GnomeShortcutBinding *binding = m_guidance ? m_guidance->desktopBinding() : nullptr)
+        binding->bind();
 }
 
 QString SettingsForm::keyFieldText(Shortcut shortcut) const

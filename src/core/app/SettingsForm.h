@@ -42,6 +42,12 @@ public:
     // the system binds it.
     QString bindingText(Shortcut shortcut) const;
     void setShortcutGuidance(const ShortcutGuidance &guidance);
+    // The button that binds both commands in the desktop's own shortcuts: offered on GNOME while nothing
+    // else binds them; busy while it runs. Its status line says how the last click went.
+    bool offersDesktopBinding() const;
+    bool isDesktopBindingBusy() const;
+    QString desktopBindingStatus() const;
+    void bindOnDesktop();
 
     void chooseFolder();
     // Return in the folder field assigns the current value again, which saves it once more.

@@ -12,6 +12,7 @@ inline const QString captureShortcutHeading = QStringLiteral("現在のショー
 inline const QString repeatShortcutHeading = QStringLiteral("繰り返し撮影ショートカット");
 inline const QString keyFieldLabel = QStringLiteral("有効なキー");
 inline const QString bindingLabel = QStringLiteral("登録先");
+inline const QString desktopBindingButton = QStringLiteral("GNOME に登録");
 
 inline const QString savingSection = QStringLiteral("保存設定");
 inline const QString prefixField = QStringLiteral("ファイル名の接頭詞");

@@ -1,5 +1,6 @@
 #include "app/ShortcutGuidance.h"
 
+#include "app/GnomeShortcutBinding.h"
 #include "platform/UserNotifier.h"
 #include "settings/AppSettings.h"
 
@@ -8,9 +9,20 @@
 using namespace shortcutguidance;
 
 ShortcutGuidance::ShortcutGuidance(HotKeyRegistrar &registrar, AppSettings &settings, UserNotifier &notifier,
-                                   Desktop desktop)
+                                   Desktop desktop, CustomKeybindingStore *desktopKeybindings)
     : m_registrar(registrar), m_settings(settings), m_notifier(notifier), m_desktop(desktop)
 {
+    if (desktop == Desktop::Gnome && desktopKeybindings) {
+        m_gnome = std::make_unique<GnomeShortcutBinding>(*desktopKeybindings, settings);
+        connect(m_gnome.get(), &GnomeShortcutBinding::stateChanged, this, &ShortcutGuidance::binderChanged);
+    }
+}
+
+ShortcutGuidance::~ShortcutGuidance() = default;
+
+GnomeShortcutBinding *ShortcutGuidance::desktopBinding() const
+{
+    return m_gnome && needsGuidance(m_registrar.binder()) ? m_gnome.get() : nullptr;
 }
 
 void ShortcutGuidance::start()
@@ -24,6 +36,9 @@ void ShortcutGuidance::start()
 
 QString ShortcutGuidance::bindingText(Command command) const
 {
+    const GnomeShortcutBinding *gnome = desktopBinding();
+    if (gnome && gnome->state() == GnomeShortcutBinding::State::Bound)
+        return QStringLiteral("GNOME のカスタムショートカット");
     const ShortcutKeyCombo combo =
         command == Command::Select ? m_settings.hotKeyCombo() : m_settings.repeatHotKeyCombo();
     return shortcutguidance::bindingText(m_registrar.binder(), m_desktop, command, combo);

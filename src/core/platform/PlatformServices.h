@@ -6,6 +6,7 @@ class AlertPresenter;
 class ApplicationControl;
 class Clock;
 class Cursor;
+class CustomKeybindingStore;
 class DisplayProvider;
 class EditorWindowFactory;
 class HotKeyRegistrar;
@@ -45,6 +46,8 @@ struct PlatformServices
     ApplicationControl *application = nullptr;
     Clock *clock = nullptr;
     Cursor *cursor = nullptr;
+    // The desktop's custom shortcuts; null where Vistrel does not write them.
+    CustomKeybindingStore *desktopKeybindings = nullptr;
     DisplayProvider *displays = nullptr;
     EditorWindowFactory *editorWindows = nullptr;
     HotKeyRegistrar *hotKeys = nullptr;

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/CustomKeybindingStore.h"
+
+class FakeCustomKeybindingStore final : public CustomKeybindingStore
+{
+public:
+    void read(ReadCompletion completion) override { completion({keybindings, readError}); }
+    void write(const QList<Keybinding> &entries, const QStringList &paths, WriteCompletion completion) override
+    {
+        ++writes;
+        writtenEntries = entries;
+        writtenPaths = paths;
+        completion(writeError);
+    }
+
+    QList<Keybinding> keybindings;
+    std::optional<QString> readError;
+    std::optional<QString> writeError;
+    int writes = 0;
+    QList<Keybinding> writtenEntries;
+    QStringList writtenPaths;
+};
