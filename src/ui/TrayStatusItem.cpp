@@ -92,3 +92,8 @@ void TrayStatusItem::popUpMenu()
     if (m_menu)
         m_menu->popup(QCursor::pos());
 }
+
+bool TrayStatusItem::isShownToUser() const
+{
+    return QSystemTrayIcon::isSystemTrayAvailable();
+}

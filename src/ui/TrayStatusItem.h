@@ -28,6 +28,7 @@ public:
     void setMenu(const QList<MenuEntry> &entries, ActionHandler onAction) override;
     void setToggleChecked(bool checked) override;
     void popUpMenu() override;
+    bool isShownToUser() const override;
 
     // Where the item says that no tray shows it (the diagnostics log).
     using Trace = std::function<void(const QString &line)>;

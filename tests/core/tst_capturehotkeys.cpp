@@ -4,6 +4,7 @@
 #include "FakeHotKeyRegistrar.h"
 #include "FakeKeyValueStore.h"
 #include "FakeLoginItemService.h"
+#include "FakeStatusItem.h"
 #include "FakeSystemLog.h"
 #include "FakeUserNotifier.h"
 
@@ -11,6 +12,7 @@
 #include "app/GnomeShortcutBinding.h"
 #include "app/GnomeShortcutRules.h"
 #include "app/ShortcutGuidance.h"
+#include "app/TraylessGuidance.h"
 #include "settings/AppSettings.h"
 #include "settings/KeyTable.h"
 #include "settings/ShortcutTriggers.h"
@@ -86,6 +88,8 @@ private slots:
     void bindingTexts();
     void guidanceIsNotifiedOnce_data();
     void guidanceIsNotifiedOnce();
+    void traylessGuidance_data();
+    void traylessGuidance();
     void gnomePlans_data();
     void gnomePlans();
     void gnomeBindingOnClick_data();
@@ -334,6 +338,61 @@ void CaptureHotKeysTest::guidanceIsNotifiedOnce()
                            "bindsym Shift+Mod4+s exec vistrel select\n"
                            "bindsym Ctrl+Shift+4 exec vistrel repeat\n"
                            "クリックすると設定を開きます。"_s);
+}
+
+void CaptureHotKeysTest::traylessGuidance_data()
+{
+    QTest::addColumn<bool>("tray");
+    QTest::addColumn<QList<Binder>>("binders");
+    QTest::addColumn<bool>("shownBefore");
+    QTest::addColumn<ShortcutKeyCombo>("repeat");
+    QTest::addColumn<QString>("body");
+    const QString settings = u"\n設定は「vistrel settings」か、アプリ一覧の Vistrel を右クリックして「設定」から開けます。"_s;
+    const ShortcutKeyCombo ctrl4{u"4"_s, quint64(ShortcutKeyCombo::Control)};
+    QTest::newRow("X server binds: the keys, at once")
+        << false << QList{Binder::XServer} << false << ctrl4 << u"撮影は Shift+Super+S、繰り返し撮影は Ctrl+4。"_s + settings;
+    QTest::newRow("told once, after the portal answered")
+        << false << QList{Binder::Pending, Binder::Portal, Binder::Nobody} << false << ctrl4
+        << u"撮影は Shift+Super+S、繰り返し撮影は Ctrl+4。"_s + settings;
+    QTest::newRow("nothing binds: the commands")
+        << false << QList{Binder::Pending, Binder::Nobody} << false << ctrl4
+        << u"撮影は「vistrel select」、繰り返し撮影は「vistrel repeat」。"_s + settings;
+    QTest::newRow("a key outside the table: the commands")
+        << false << QList{Binder::XServer} << false << ShortcutKeyCombo{u"F1"_s, controlShift}
+        << u"撮影は「vistrel select」、繰り返し撮影は「vistrel repeat」。"_s + settings;
+    QTest::newRow("a tray shows the icon") << true << QList{Binder::XServer} << false << ctrl4 << QString();
+    QTest::newRow("told at an earlier start") << false << QList{Binder::Portal} << true << ctrl4 << QString();
+}
+
+void CaptureHotKeysTest::traylessGuidance()
+{
+    QFETCH(bool, tray);
+    QFETCH(QList<Binder>, binders);
+    QFETCH(bool, shownBefore);
+    QFETCH(ShortcutKeyCombo, repeat);
+    QFETCH(QString, body);
+    Fixture f;
+    f.settings.setRepeatHotKeyCombo(repeat);
+    if (shownBefore)
+        f.store.values.insert(TraylessGuidance::shownKey, true);
+    FakeStatusItem statusItem;
+    statusItem.shownToUser = tray;
+    FakeUserNotifier notifier;
+    TraylessGuidance guidance(statusItem, f.registrar, f.settings, notifier);
+    // Asked at launch and at every change of binder.
+    for (const Binder binder : binders) {
+        f.registrar.currentBinder = binder;
+        guidance.consider();
+    }
+
+    QCOMPARE(notifier.requests.size(), body.isEmpty() ? 0 : 1);
+    QCOMPARE(f.store.synced.value(TraylessGuidance::shownKey).toBool(), !body.isEmpty());
+    if (body.isEmpty())
+        return;
+    const UserNotifier::Request &request = notifier.requests.first();
+    QCOMPARE(request.categoryIdentifier, TraylessGuidance::categoryIdentifier);
+    QCOMPARE(request.title, u"Vistrel: トレイにアイコンを表示できません"_s);
+    QCOMPARE(request.body, body);
 }
 
 void CaptureHotKeysTest::gnomePlans_data()

@@ -74,7 +74,10 @@ def wait_for_line(text, after=0, timeout=10.0):
 class Vistrel:
     """One running vistrel process, with its standard error (the system log) kept in a file."""
 
-    def __init__(self, extra_environment=None, tag="vistrel"):
+    def __init__(self, extra_environment=None, tag="vistrel", tray_notice=False):
+        # These sessions run no tray: unless a test looks at it, the notice about that counts as given.
+        if not tray_notice:
+            remember_setting("VistrelTraylessGuidanceShown", True)
         self.stderr_path = os.path.join(SESSION, f"{tag}.stderr")
         self.environment = dict(os.environ, **(extra_environment or {}))
         before = len(log_lines())
@@ -209,6 +212,15 @@ def cursor_blank():
 def settings():
     with open(SETTINGS, encoding="utf-8") as file:
         return json.load(file)
+
+
+def remember_setting(key, value):
+    """Stores one preference before Vistrel starts, as an earlier start would have."""
+    values = settings() if os.path.exists(SETTINGS) else {}
+    values[key] = value
+    os.makedirs(os.path.dirname(SETTINGS), exist_ok=True)
+    with open(SETTINGS, "w", encoding="utf-8") as file:
+        json.dump(values, file)
 
 
 def notifications_shown():

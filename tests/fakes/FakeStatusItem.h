@@ -23,7 +23,10 @@ public:
         checkedWhenLastShown = toggleChecked;
     }
 
+    bool isShownToUser() const override { return shownToUser; }
+
     Appearance appearance;
+    bool shownToUser = true;
     ClickHandler onClick;
     ActionHandler onAction;
     bool toggleChecked = false;

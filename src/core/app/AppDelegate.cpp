@@ -19,7 +19,8 @@
 AppDelegate::AppDelegate(Dependencies dependencies)
     : m_deps(std::move(dependencies)),
       m_hotKeys(m_deps.hotKeys, m_deps.settings, m_deps.capture, m_deps.diagnostics, m_deps.systemLog),
-      m_shortcutGuidance(m_deps.hotKeys, m_deps.settings, m_deps.notifier, m_deps.desktop, m_deps.desktopKeybindings)
+      m_shortcutGuidance(m_deps.hotKeys, m_deps.settings, m_deps.notifier, m_deps.desktop, m_deps.desktopKeybindings),
+      m_traylessGuidance(m_deps.statusItem, m_deps.hotKeys, m_deps.settings, m_deps.notifier)
 {
 }
 
@@ -31,8 +32,10 @@ void AppDelegate::applicationDidFinishLaunching()
     m_deps.application.setAccessoryActivationPolicy();
     createStatusItem();
     m_shortcutGuidance.start();
+    connect(&m_shortcutGuidance, &ShortcutGuidance::binderChanged, this, [this] { m_traylessGuidance.consider(); });
     m_hotKeys.registerHotKey();
     setupNotifications();
+    m_traylessGuidance.consider();
     m_deps.updater();
     m_deps.diagnostics.write(QStringLiteral("applicationDidFinishLaunching completed"));
     connect(&m_deps.settings, &AppSettings::settingsDidChange, this, &AppDelegate::settingsDidChange);
@@ -184,7 +187,8 @@ void AppDelegate::setupNotifications()
 
 void AppDelegate::didReceiveNotificationResponse(const QString &categoryIdentifier)
 {
-    if (categoryIdentifier == ShortcutGuidance::categoryIdentifier) {
+    if (categoryIdentifier == ShortcutGuidance::categoryIdentifier
+        || categoryIdentifier == TraylessGuidance::categoryIdentifier) {
         m_deps.scheduler.postToMain([self = QPointer<AppDelegate>(this)] {
             if (self)
                 self->showSettings();

@@ -2,6 +2,7 @@
 
 #include "app/CaptureHotKeys.h"
 #include "app/ShortcutGuidance.h"
+#include "app/TraylessGuidance.h"
 #include "platform/StatusItem.h"
 
 #include <QObject>
@@ -91,5 +92,6 @@ private:
     Dependencies m_deps;
     CaptureHotKeys m_hotKeys;
     ShortcutGuidance m_shortcutGuidance;
+    TraylessGuidance m_traylessGuidance;
     std::unique_ptr<SettingsWindow> m_settingsWindow;
 };

@@ -111,4 +111,22 @@ Notice notice(Desktop desktop, const ShortcutKeyCombo &capture, const ShortcutKe
                        % commandWithKeys(Command::Repeat, repeat) % u"を追加してください。\n"_s % settingsHint};
 }
 
+Notice traylessNotice(Binder binder, const ShortcutKeyCombo &capture, const ShortcutKeyCombo &repeat)
+{
+    const std::optional<QString> selectKeys = readableCombination(capture);
+    const std::optional<QString> repeatKeys = readableCombination(repeat);
+    const bool keysWork = binder != Binder::Nobody && binder != Binder::Pending && selectKeys && repeatKeys;
+    // Latin keys stand apart from the Japanese by a space; quoted commands need none.
+    const auto reach = [keysWork](const std::optional<QString> &keys, Command command) -> QString {
+        if (keysWork)
+            return u' ' + *keys;
+        return u"「"_s % commandLine(command) % u"」"_s;
+    };
+    const QString select = reach(selectKeys, Command::Select);
+    const QString again = reach(repeatKeys, Command::Repeat);
+    return {u"Vistrel: トレイにアイコンを表示できません"_s,
+            u"撮影は"_s % select % u"、繰り返し撮影は"_s % again % u"。\n設定は「vistrel settings」か、"_s
+                % u"アプリ一覧の Vistrel を右クリックして「設定」から開けます。"_s};
+}
+
 } // namespace shortcutguidance

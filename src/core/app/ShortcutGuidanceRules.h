@@ -35,4 +35,9 @@ struct Notice
 // The one notification that tells how to bind both commands.
 Notice notice(Desktop desktop, const ShortcutKeyCombo &capture, const ShortcutKeyCombo &repeat);
 
+// The one notification that tells, where no tray shows the status item, how to reach Vistrel: the keys
+// (the commands, where nothing binds the keys), `vistrel settings`, and the launcher entry's settings
+// action.
+Notice traylessNotice(HotKeyRegistrar::Binder binder, const ShortcutKeyCombo &capture, const ShortcutKeyCombo &repeat);
+
 } // namespace shortcutguidance

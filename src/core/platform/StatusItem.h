@@ -49,4 +49,6 @@ public:
     virtual void setToggleChecked(bool checked) = 0;
     // Attaches the menu, opens it at the item and detaches it again once it closes.
     virtual void popUpMenu() = 0;
+    // Whether anything shows the item: false where no system tray runs.
+    virtual bool isShownToUser() const { return true; }
 };
