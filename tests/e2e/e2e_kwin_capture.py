@@ -1,0 +1,124 @@
+#!/usr/bin/python3
+"""Captures on KDE Plasma through KWin's ScreenShot2, in the headless KWin of run-in-kwin-session.sh, with
+KWin's permission check in force. Vistrel's launcher entry is installed as an install step would put it
+(Exec with the executable's full path), so KWin grants Vistrel by its own entry. A selection on each
+output, started with `vistrel select` and dragged through KWin's fake input, is saved pixel for pixel as
+KWin's own CaptureScreen shows that output at its native pixels. Without the entry, KWin refuses and the
+system log says why and what grants it.
+
+Run as   SCRIPT VISTREL KWIN_POINTER"""
+import os
+import subprocess
+import sys
+import time
+
+from PIL import Image
+
+from vistrel_e2e import (SESSION, VISTREL, Vistrel, check, differs, finish, log_lines, run, wait_for_line,
+                         wait_for_save, wait_until)
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+POINTER = sys.argv[2]
+APPLICATIONS = os.path.join(os.environ["XDG_DATA_HOME"], "applications")
+ENTRY = os.path.join(APPLICATIONS, "vistrel.desktop")
+
+
+def install_entry(path, lines):
+    """A desktop entry in the session's data folder; KWin reads the folder again when it next checks."""
+    os.makedirs(APPLICATIONS, exist_ok=True)
+    with open(path, "w", encoding="utf-8") as entry:
+        entry.write("\n".join(lines) + "\n")
+
+
+def kwin_screen(name):
+    """KWin's own picture of an output at its native pixels."""
+    path = os.path.join(SESSION, f"kwin-{name}.png")
+    taken = run(os.environ["VISTREL_E2E_KWIN_PYTHON"], os.path.join(HERE, "helpers", "kwin_screenshot.py"), name, path)
+    return Image.open(path).convert("RGB") if check(taken.returncode == 0, f"KWin's {name}: {taken.stderr}") else None
+
+
+class Pointer:
+    def __init__(self):
+        self.process = subprocess.Popen([POINTER], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        ready = self.process.stdout.readline()
+        if not ready.startswith("ready"):
+            raise RuntimeError(f"kwin_pointer did not start: {ready!r}")
+
+    def send(self, command):
+        self.process.stdin.write(command + "\n")
+        self.process.stdin.flush()
+        reply = self.process.stdout.readline().strip()
+        if reply != "ok":
+            raise RuntimeError(f"kwin_pointer {command!r}: {reply or 'no reply'}")
+
+    def drag(self, start, end, steps=5):
+        self.send(f"move {start[0]} {start[1]}")
+        time.sleep(0.05)
+        self.send("down")
+        for step in range(1, steps + 1):
+            self.send(f"move {start[0] + (end[0] - start[0]) * step // steps} "
+                      f"{start[1] + (end[1] - start[1]) * step // steps}")
+            time.sleep(0.02)
+        self.send("up")
+
+
+# The launcher entry as installed, Exec naming this build's executable.
+with open(os.path.join(HERE, "..", "..", "resources", "vistrel.desktop"), encoding="utf-8") as shipped:
+    lines = shipped.read().splitlines()
+first_exec = next(i for i, line in enumerate(lines) if line.startswith("Exec="))
+lines[first_exec] = f"Exec={os.path.realpath(VISTREL)}"
+check("X-KDE-DBUS-Restricted-Interfaces=org.kde.KWin.ScreenShot2" in lines,
+      "the launcher entry does not ask KWin for ScreenShot2")
+install_entry(ENTRY, lines)
+install_entry(os.path.join(APPLICATIONS, "vistrel-e2e-kwin-pointer.desktop"),
+              ["[Desktop Entry]", "Type=Application", "Name=Test pointer", f"Exec={os.path.realpath(POINTER)}",
+               "NoDisplay=true", "X-KDE-Wayland-Interfaces=org_kde_kwin_fake_input"])
+
+def start_pointer():
+    try:
+        return Pointer()
+    except RuntimeError as error:
+        print(error)
+        return None
+
+
+# KWin looks at the entries again once its last look is more than a moment old.
+pointer = wait_until(start_pointer, timeout=10, interval=0.5)
+if not check(pointer, "KWin never offered the test pointer its fake input"):
+    finish("kwin capture")
+pointer.send("move 1270 710")  # out of every selection below
+
+app = Vistrel()
+check("Vistrel: wayland capture via KWin's ScreenShot2" in app.system_log(),
+      f"the system log does not name KWin's ScreenShot2: {app.system_log()}")
+
+# Layout points and the output pixels they cover: Virtual-1 is at 1280,0 at scale 2.
+for name, start, end, pixels in [("Virtual-0", (200, 150), (520, 390), (200, 150, 520, 390)),
+                                 ("Virtual-1", (1380, 60), (1700, 300), (200, 120, 840, 600))]:
+    # The last capture's notification goes first: it would be in this one's picture, and not in KWin's.
+    run("dunstctl", "close-all")
+    time.sleep(0.3)
+    shown = kwin_screen(name)
+    before = len(log_lines())
+    run(VISTREL, "select", timeout=20)
+    if not check(wait_for_line("showSelectionWindow screens=2", before), f"{name}: no overlay on both outputs"):
+        continue
+    time.sleep(0.5)  # KWin maps and draws both overlays
+    pointer.drag(start, end)
+    path = wait_for_save(before)
+    if check(path, f"{name}: nothing saved") and shown:
+        problem = differs(shown.crop(pixels), Image.open(path))
+        check(problem is None, f"{name}: the capture differs from KWin's picture of {pixels}: {problem}")
+    time.sleep(1.1)  # file names carry seconds
+app.quit()
+
+# Without the entry KWin refuses; with no portal here either, no way to read the screen is left.
+os.remove(ENTRY)
+app = Vistrel(tag="refused")
+refusal = "Vistrel: KWin refused screenshots (org.kde.KWin.ScreenShot2.Error.NoAuthorized"
+check(refusal in app.system_log() and "X-KDE-DBUS-Restricted-Interfaces=org.kde.KWin.ScreenShot2" in app.system_log(),
+      f"the system log does not tell of KWin's refusal and its cure: {app.system_log()}")
+check("via KWin's ScreenShot2" not in app.system_log(), f"KWin was chosen though it refused: {app.system_log()}")
+app.quit()
+pointer.process.stdin.close()
+finish("kwin capture")
