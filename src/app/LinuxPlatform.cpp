@@ -23,6 +23,8 @@
 #include "XdgAutostartLoginItem.h"
 #include "XdgFolders.h"
 
+#include "app/ScreenshotPermissionNotice.h"
+#include "app/ShortcutGuidanceRules.h"
 #include "platform/Clock.h"
 #include "platform/QtScheduler.h"
 
@@ -78,6 +80,11 @@ LinuxPlatform::LinuxPlatform(std::unique_ptr<LinuxSystemLog> systemLog, SessionA
       m_folderChooser(std::make_unique<QtFolderChooser>()),
       m_desktopKeybindings(std::make_unique<GsettingsKeybindingStore>())
 {
+    const bool onGnome = shortcutguidance::desktopFrom(environment.value(u"XDG_CURRENT_DESKTOP"_s), false)
+        == shortcutguidance::Desktop::Gnome;
+    if (onGnome && m_session.portalReadsScreen)
+        m_permissionNotice =
+            std::make_unique<ScreenshotPermissionNotice>(*m_session.permission, *m_store, *m_notifier);
 }
 
 LinuxPlatform::~LinuxPlatform() = default;
@@ -116,7 +123,7 @@ PlatformServices LinuxPlatform::services() const
     services.displays = m_session.displays.get();
     services.cursor = m_session.cursor.get();
     services.screenCapturer = m_session.screenCapturer.get();
-    services.screenCapturePermission = m_session.permission.get();
+    services.screenCapturePermission = m_permissionNotice ? m_permissionNotice.get() : m_session.permission.get();
     services.windowList = m_session.windowList.get();
     services.pasteboard = m_session.pasteboard.get();
     services.sounds = m_session.sounds.get();

@@ -27,6 +27,7 @@ class QtOpenPanel;
 class QtScheduler;
 class QtSelectionWindowFactory;
 class QtUpdateUserDriver;
+class ScreenCapturePermission;
 class SettingsWindow;
 class SoftwareUpdaterModel;
 class SystemClock;
@@ -79,4 +80,6 @@ private:
     std::unique_ptr<QtOpenPanel> m_openPanel;
     std::unique_ptr<QtFolderChooser> m_folderChooser;
     std::unique_ptr<GsettingsKeybindingStore> m_desktopKeybindings;
+    // On GNOME, when the portal reads the screen: says what GNOME's one-time dialog is for.
+    std::unique_ptr<ScreenCapturePermission> m_permissionNotice;
 };

@@ -34,6 +34,8 @@ struct SessionAdapters
     std::function<void(const std::function<void(const QString &line)> &trace)> setTrace;
     // On Wayland each overlay window is made full screen on its output: the compositor places windows.
     bool overlaysFillScreens = false;
+    // The desktop portal reads the screen, so the desktop may ask the user once for permission.
+    bool portalReadsScreen = false;
 
     SessionAdapters();
     SessionAdapters(SessionAdapters &&) noexcept;

@@ -2,6 +2,7 @@
 
 #include "CanberraSoundPlayer.h"
 #include "PortalHotKeyRegistrar.h"
+#include "PortalScreenCapturePermission.h"
 #include "QtCursor.h"
 #include "QtPasteboard.h"
 #include "SwayWindowList.h"
@@ -27,6 +28,7 @@ std::variant<SessionAdapters, QString> adapters(SystemLog &log)
     set.cursor = std::make_unique<QtCursor>(*displays);
     WaylandCaptureChoice capture =
         WaylandCaptureChoice::choose(std::move(connection), *displays, QDBusConnection::sessionBus(), log);
+    set.portalReadsScreen = dynamic_cast<PortalScreenCapturePermission *>(capture.permission.get()) != nullptr;
     set.permission = std::move(capture.permission);
     set.screenCapturer = std::move(capture.capturer);
     set.displays = std::move(displays);

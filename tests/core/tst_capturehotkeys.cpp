@@ -4,6 +4,7 @@
 #include "FakeHotKeyRegistrar.h"
 #include "FakeKeyValueStore.h"
 #include "FakeLoginItemService.h"
+#include "FakeScreenCapturePermission.h"
 #include "FakeStatusItem.h"
 #include "FakeSystemLog.h"
 #include "FakeUserNotifier.h"
@@ -11,6 +12,7 @@
 #include "app/CaptureHotKeys.h"
 #include "app/GnomeShortcutBinding.h"
 #include "app/GnomeShortcutRules.h"
+#include "app/ScreenshotPermissionNotice.h"
 #include "app/ShortcutGuidance.h"
 #include "app/TraylessGuidance.h"
 #include "settings/AppSettings.h"
@@ -90,6 +92,8 @@ private slots:
     void guidanceIsNotifiedOnce();
     void traylessGuidance_data();
     void traylessGuidance();
+    void screenshotPermissionNotice_data();
+    void screenshotPermissionNotice();
     void gnomePlans_data();
     void gnomePlans();
     void gnomeBindingOnClick_data();
@@ -393,6 +397,46 @@ void CaptureHotKeysTest::traylessGuidance()
     QCOMPARE(request.categoryIdentifier, TraylessGuidance::categoryIdentifier);
     QCOMPARE(request.title, u"Vistrel: トレイにアイコンを表示できません"_s);
     QCOMPARE(request.body, body);
+}
+
+void CaptureHotKeysTest::screenshotPermissionNotice_data()
+{
+    QTest::addColumn<bool>("permitted");
+    QTest::addColumn<bool>("shownBefore");
+    QTest::addColumn<bool>("granted");
+    QTest::addColumn<int>("notices");
+    QTest::newRow("the portal asks: told once, before the first request") << false << false << true << 1;
+    QTest::newRow("refused: the answer is the portal's") << false << false << false << 1;
+    QTest::newRow("told at an earlier start") << false << true << true << 0;
+    QTest::newRow("permitted without asking") << true << false << true << 0;
+}
+
+void CaptureHotKeysTest::screenshotPermissionNotice()
+{
+    QFETCH(bool, permitted);
+    QFETCH(bool, shownBefore);
+    QFETCH(bool, granted);
+    QFETCH(int, notices);
+    Fixture f;
+    if (shownBefore)
+        f.store.values.insert(ScreenshotPermissionNotice::shownKey, true);
+    FakeScreenCapturePermission portal;
+    portal.preflightResult = permitted;
+    portal.requestResult = granted;
+    FakeUserNotifier notifier;
+    ScreenshotPermissionNotice permission(portal, f.store, notifier);
+    // Two captures, each asked as the permission gate asks.
+    for (int capture = 0; capture < 2; ++capture) {
+        if (permission.preflight())
+            continue;
+        QCOMPARE(notifier.requests.size(), notices);
+        QCOMPARE(portal.requestCount, capture);
+        QCOMPARE(permission.request(), granted);
+    }
+    QCOMPARE(notifier.requests.size(), notices);
+    QCOMPARE(f.store.synced.value(ScreenshotPermissionNotice::shownKey).toBool(), notices > 0);
+    if (notices > 0)
+        QVERIFY(notifier.requests.first().body.startsWith(u"続いて GNOME が"_s));
 }
 
 void CaptureHotKeysTest::gnomePlans_data()

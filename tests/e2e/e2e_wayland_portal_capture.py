@@ -2,7 +2,8 @@
 """Captures through the desktop portal's Screenshot call on sway (VISTREL_WAYLAND_CAPTURE=portal), with
 PipeWire, xdg-desktop-portal, -wlr and -gtk running in the session: a drag on each output against grim,
 one portal call per selection, the portal's file removed while a file beside it stays, and a portal
-that fails.
+that fails. Vistrel believes itself on GNOME here, so before the first portal call it says once what
+GNOME's permission dialog is for.
 
 The portal's image holds the whole layout at the highest scale: -wlr has grim draw the scale-1 output
 upsampled twice with a bilinear filter, and Vistrel averages each 2x2 block back to one pixel. So a
@@ -10,6 +11,7 @@ scale-1 capture is the output's pixels blurred by [1 6 1]/8 across and down, whi
 there, within two levels for rounding (grim's, Vistrel's and this test's own). The scale-2 output is
 compared pixel for pixel."""
 import atexit
+import json
 import time
 
 import dbus
@@ -110,7 +112,7 @@ if check(uri and uri.startswith("file://"), f"the portal gave no file: {uri}"):
     made.append(unrelated)
     Image.new("RGB", (4, 4), (1, 2, 3)).save(unrelated)
 
-app = Vistrel({"VISTREL_WAYLAND_CAPTURE": "portal"})
+app = Vistrel({"VISTREL_WAYLAND_CAPTURE": "portal", "XDG_CURRENT_DESKTOP": "GNOME"})
 check("Vistrel: wayland capture via the Screenshot portal" in app.system_log(),
       f"the system log does not name the portal: {app.system_log()}")
 bindsym("shift+mod4+s", f"{VISTREL} select")
@@ -139,6 +141,11 @@ for label, start_at, end_at in [("scale 1", (200, 150), (520, 390)), ("scale 2",
         check(not os.path.exists(portal_file), f"{label}: the portal's file {portal_file} is still there")
         check(os.path.exists(unrelated), f"{label}: {unrelated}, beside the portal's file, was removed")
     time.sleep(1.1)  # file names carry seconds
+
+run("dunstctl", "close-all")
+told = wait_until(lambda: json.loads(run("dunstctl", "history").stdout or "{}").get("data", [[]])[0], 3) or []
+told = [entry["body"]["data"] for entry in told if entry["summary"]["data"] == "Vistrel: 画面の撮影の確認"]
+check(len(told) == 1 and told[0].startswith("続いて GNOME が"), f"the permission notice was given {len(told)} times")
 
 # Without its backend the portal answers with a failure, which is the desktop refusing: the system log
 # says so once, the session ends as on a refused permission, and nothing shows or is saved.
