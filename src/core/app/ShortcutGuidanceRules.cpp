@@ -100,7 +100,9 @@ QString bindingText(Binder binder, Desktop desktop, Command command, const Short
 Notice notice(Desktop desktop, const ShortcutKeyCombo &capture, const ShortcutKeyCombo &repeat)
 {
     const QString title = u"Vistrel: ショートカットが使えません"_s;
-    const QString settingsHint = u"クリックすると設定を開きます。"_s;
+    // On GNOME the settings bind both commands there in one click.
+    const QString settingsHint = desktop == Desktop::Gnome ? u"クリックして開く設定の「GNOME に登録」でも登録できます。"_s
+                                                           : u"クリックすると設定を開きます。"_s;
     const std::optional<QString> selectKeys = swayCombination(capture);
     const std::optional<QString> repeatKeys = swayCombination(repeat);
     if (desktop == Desktop::Sway && selectKeys && repeatKeys) {
