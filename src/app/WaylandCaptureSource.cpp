@@ -1,5 +1,6 @@
 #include "WaylandCaptureSource.h"
 
+#include "KWinCaptureSource.h"
 #include "WaylandConnection.h"
 #include "WlrScreencopy.h"
 
@@ -66,8 +67,7 @@ CaptureRead read(const commandline::CaptureOptions &options)
         return *failure;
     std::shared_ptr<WaylandConnection> connection = std::move(std::get<std::unique_ptr<WaylandConnection>>(opened));
     if (!connection->screencopy())
-        return u"this compositor has no wlr-screencopy; on GNOME and KDE Plasma use the screenshot portal "
-               "(Vistrel's tray application does)"_s;
+        return kwincapturesource::read(options, *connection);
     const auto &outputs = connection->outputs();
     if (outputs.empty())
         return u"the compositor reports no outputs"_s;

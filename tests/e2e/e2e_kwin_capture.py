@@ -4,7 +4,7 @@ KWin's permission check in force. Vistrel's launcher entry is installed as an in
 (Exec with the executable's full path), so KWin grants Vistrel by its own entry. A selection on each
 output, started with `vistrel select` and dragged through KWin's fake input, is saved pixel for pixel as
 KWin's own CaptureScreen shows that output at its native pixels. Without the entry, KWin refuses and the
-system log says why and what grants it.
+system log says why and what grants it. `vistrel capture` reads a display and regions through KWin too.
 
 Run as   SCRIPT VISTREL KWIN_POINTER"""
 import os
@@ -87,6 +87,26 @@ pointer = wait_until(start_pointer, timeout=10, interval=0.5)
 if not check(pointer, "KWin never offered the test pointer its fake input"):
     finish("kwin capture")
 pointer.send("move 1270 710")  # out of every selection below
+
+# The command line through KWin, granted by the same entry: display 1 at its native pixels, a region within
+# it, and one across both outputs, which KWin draws at the higher scale (2) of the two.
+shown = kwin_screen("Virtual-1")
+for label, arguments, size, pixels, at in [
+        ("display 1", ["--display", "1"], (1280, 720), (0, 0, 1280, 720), (0, 0)),
+        ("region on Virtual-1", ["--region", "1380,60,320,240"], (640, 480), (200, 120, 840, 600), (0, 0)),
+        ("region across both", ["--region", "1200,100,160,100"], (320, 200), (0, 200, 160, 400), (160, 0))]:
+    path = os.path.join(SESSION, f"cli-{label.replace(' ', '-')}.png")
+    taken = run(VISTREL, "capture", *arguments, "-o", path, timeout=20)
+    if check(taken.returncode == 0, f"vistrel capture, {label}: {taken.stderr}") and shown:
+        picture = Image.open(path)
+        part = picture.crop((at[0], at[1], at[0] + pixels[2] - pixels[0], at[1] + pixels[3] - pixels[1]))
+        problem = (f"size {picture.size}, expected {size}" if picture.size != size
+                   else differs(shown.crop(pixels), part))
+        check(problem is None, f"vistrel capture, {label}, against KWin's picture of Virtual-1: {problem}")
+
+# KWin's pixels come through QtDBus alone: the command line still starts without Qt's GUI library.
+linked = run("readelf", "--dynamic", VISTREL).stdout
+check("libQt6Core" in linked and "libQt6Gui" not in linked, f"vistrel links other than QtCore and QtDBus: {linked}")
 
 app = Vistrel()
 check("Vistrel: wayland capture via KWin's ScreenShot2" in app.system_log(),

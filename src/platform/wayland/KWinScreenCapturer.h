@@ -42,7 +42,7 @@ public:
 private:
     using Taken = std::function<void(QImage image, double scale, std::optional<QString> error)>;
     // Sends `call` with a pipe's writing end appended and gathers the picture.
-    void take(QDBusMessage call, Taken taken);
+    void take(const QDBusMessage &call, Taken taken);
 
     QDBusConnection m_bus;
     const WaylandDisplayProvider &m_displays;
