@@ -1,6 +1,7 @@
 #include "WaylandSession.h"
 
 #include "CanberraSoundPlayer.h"
+#include "KWinWindowList.h"
 #include "PortalHotKeyRegistrar.h"
 #include "PortalScreenCapturePermission.h"
 #include "QtCursor.h"
@@ -32,9 +33,14 @@ std::variant<SessionAdapters, QString> adapters(SystemLog &log)
     set.permission = std::move(capture.permission);
     set.screenCapturer = std::move(capture.capturer);
     set.displays = std::move(displays);
-    std::unique_ptr<SwayWindowList> windows = SwayWindowList::fromEnvironment();
-    set.setTrace = [list = windows.get()](const std::function<void(const QString &)> &trace) { list->setTrace(trace); };
-    set.windowList = std::move(windows);
+    if (std::unique_ptr<KWinWindowList> kwin = KWinWindowList::whereKWinRuns(QDBusConnection::sessionBus())) {
+        set.setTrace = [list = kwin.get()](const std::function<void(const QString &)> &trace) { list->setTrace(trace); };
+        set.windowList = std::move(kwin);
+    } else {
+        std::unique_ptr<SwayWindowList> windows = SwayWindowList::fromEnvironment();
+        set.setTrace = [list = windows.get()](const std::function<void(const QString &)> &trace) { list->setTrace(trace); };
+        set.windowList = std::move(windows);
+    }
     // Served by us through the compositor's data control where it has one, so a capture stays on the
     // clipboard with no window of ours focused; else through Qt.
     if (std::unique_ptr<WaylandClipboard> clipboard = WaylandClipboard::create())

@@ -4,7 +4,7 @@ KWin's permission check in force. Vistrel's launcher entry is installed as an in
 (Exec with the executable's full path), so KWin grants Vistrel by its own entry. A selection on each
 output, started with `vistrel select` and dragged through KWin's fake input, is saved pixel for pixel as
 KWin's own CaptureScreen shows that output at its native pixels. Without the entry, KWin refuses and the
-system log says why and what grants it. `vistrel capture` reads a display and regions through KWin too.
+system log says why and what grants it. `vistrel capture` reads a display and regions through KWin too, and Space over a window saves exactly its frame.
 
 Run as   SCRIPT VISTREL KWIN_POINTER"""
 import os
@@ -12,7 +12,7 @@ import subprocess
 import sys
 import time
 
-from PIL import Image
+from PIL import Image, ImageChops
 
 from vistrel_e2e import (SESSION, VISTREL, Vistrel, check, differs, finish, log_lines, run, wait_for_line,
                          wait_for_save, wait_until)
@@ -130,10 +130,44 @@ for name, start, end, pixels in [("Virtual-0", (200, 150), (520, 390), (200, 150
         problem = differs(shown.crop(pixels), Image.open(path))
         check(problem is None, f"{name}: the capture differs from KWin's picture of {pixels}: {problem}")
     time.sleep(1.1)  # file names carry seconds
+
+# Space over a window: its frame, found where KWin's picture of Virtual-0 differs from the wallpaper.
+probe = os.path.join(SESSION, "probe.png")
+Image.new("RGB", (40, 40), (200, 40, 90)).save(probe)
+pointer.send("move 100 100")  # KWin places a new window on the output with the pointer
+source = subprocess.Popen([os.path.join(os.path.dirname(POINTER), "drag_source"), probe])
+run("dunstctl", "close-all")
+wallpaper = Image.open(os.environ["VISTREL_E2E_BACKGROUND_VIRTUAL_0"]).convert("RGB")
+
+
+def window_shown():
+    shown = kwin_screen("Virtual-0")
+    frame = ImageChops.difference(shown, wallpaper).getbbox() if shown else None
+    return (shown, frame) if frame else None
+
+
+found = wait_until(window_shown, timeout=10, interval=0.3)
+if check(found, "the test window did not show on Virtual-0"):
+    shown, frame = found
+    before = len(log_lines())
+    run(VISTREL, "select", timeout=20)
+    if check(wait_for_line("showSelectionWindow screens=2", before), "Space: no overlay on both outputs"):
+        time.sleep(0.5)
+        pointer.send(f"move {(frame[0] + frame[2]) // 2} {(frame[1] + frame[3]) // 2}")
+        pointer.send("key 57")  # Space
+        resolved = wait_for_line("window selection resolved owner=", before)
+        check(resolved and resolved.startswith("window selection resolved owner=drag_source "),
+              f"the window was not resolved by its class: {resolved}")
+        path = wait_for_save(before)
+        if check(path, "Space saved nothing"):
+            problem = differs(shown.crop(frame), Image.open(path))
+            check(problem is None, f"the capture is not the window's frame {frame}: {problem}")
+source.kill()
 app.quit()
 
 # Without the entry KWin refuses; with no portal here either, no way to read the screen is left.
 os.remove(ENTRY)
+time.sleep(2)  # KWin looks at the entries again once its last look is more than a moment old
 app = Vistrel(tag="refused")
 refusal = "Vistrel: KWin refused screenshots (org.kde.KWin.ScreenShot2.Error.NoAuthorized"
 check(refusal in app.system_log() and "X-KDE-DBUS-Restricted-Interfaces=org.kde.KWin.ScreenShot2" in app.system_log(),

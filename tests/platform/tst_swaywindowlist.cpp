@@ -1,5 +1,7 @@
 // sway's layout tree read as the window list, from trees recorded on a headless sway 1.7 (two outputs:
-// 1280x720 at 0,0 and 1920x1080 at scale 2 beside it), and the IPC request failing as a value.
+// 1280x720 at 0,0 and 1920x1080 at scale 2 beside it), and the IPC request failing as a value; KWin's
+// script report read the same way.
+#include "KWinWindowList.h"
 #include "SwayIpc.h"
 #include "SwayTree.h"
 
@@ -55,6 +57,8 @@ private slots:
     void unreadableTreeIsNoList_data();
     void unreadableTreeIsNoList();
     void silentOrMissingSocketIsNoList();
+    void kwinReportFrontToBack_data();
+    void kwinReportFrontToBack();
 };
 
 void SwayWindowListTest::visibleWindowsFrontToBack_data()
@@ -135,6 +139,50 @@ void SwayWindowListTest::silentOrMissingSocketIsNoList()
     QVERIFY(listen(listener, 1) == 0);
     QVERIFY(!swayipc::request(path, swayipc::getTree, {}, 300));
     close(listener);
+}
+
+// Windows as KWin 5.27's script reports them: class, frame, stacking place, and what hides them.
+QByteArray kwinWindow(const char *resourceClass, int x, int y, int stackingOrder, const char *extra = "")
+{
+    return u"{\"resourceClass\":\"%1\",\"x\":%2,\"y\":%3,\"width\":240,\"height\":160,\"stackingOrder\":%4,"
+           "\"onCurrentDesktop\":true,\"ordinary\":true%5}"_s.arg(QString::fromUtf8(resourceClass)).arg(x).arg(y)
+        .arg(stackingOrder).arg(QString::fromUtf8(extra)).toUtf8();
+}
+
+void SwayWindowListTest::kwinReportFrontToBack_data()
+{
+    QTest::addColumn<QByteArray>("report");
+    QTest::addColumn<QRect>("primary");
+    QTest::addColumn<QStringList>("windows");
+    QTest::addColumn<QList<qint64>>("layers");
+    QTest::newRow("ours first, then the top of the stack; hidden ones left out")
+        << "["_ba + kwinWindow("kwin_wallpaper", 0, 0, 0) + ","_ba + kwinWindow("drag_source", 520, 280, 1) + ","_ba
+               + kwinWindow("vistrel", 0, 0, 6) + ","_ba + kwinWindow("gone", 10, 10, 3, R"(,"minimized":true)")
+               + ","_ba + kwinWindow("away", 10, 10, 4, R"(,"onCurrentDesktop":false)") + ","_ba
+               + kwinWindow("unmapped", 10, 10, 2, R"(,"hidden":true)") + ","_ba
+               + kwinWindow("plasmashell", 0, 680, 5, R"(,"ordinary":false)") + "]"_ba
+        << firstOutput
+        << QStringList{u"Vistrel#6 0,0 240x160"_s, u"plasmashell#5 0,680 240x160"_s, u"drag_source#1 520,280 240x160"_s,
+                       u"kwin_wallpaper#0 0,0 240x160"_s}
+        << QList<qint64>{0, 1, 0, 0};
+    QTest::newRow("moved to the primary display's corner")
+        << "["_ba + kwinWindow("xterm", 1300, 20, 0) + "]"_ba << QRect(1280, 0, 640, 360)
+        << QStringList{u"xterm#0 20,20 240x160"_s} << QList<qint64>{0};
+}
+
+void SwayWindowListTest::kwinReportFrontToBack()
+{
+    QFETCH(QByteArray, report);
+    QFETCH(QRect, primary);
+    const KWinWindowList::Identity kwinIdentity{u"vistrel"_s, u"Vistrel"_s};
+    const std::optional<QList<WindowList::Entry>> windows = KWinWindowList::windows(report, primary, kwinIdentity);
+    QVERIFY(windows);
+    QTEST(describe(*windows), "windows");
+    QList<qint64> layers;
+    for (const WindowList::Entry &entry : *windows)
+        layers << entry.layer.value_or(-1);
+    QTEST(layers, "layers");
+    QVERIFY(!KWinWindowList::windows(R"({"windows":[]})"_ba, primary, kwinIdentity));
 }
 
 QTEST_GUILESS_MAIN(SwayWindowListTest)

@@ -5,7 +5,8 @@
  * otherwise); prints "ready" first.
  *
  *   move X Y      the pointer to layout position (X, Y)
- *   down / up     press / release the left button */
+ *   down / up     press / release the left button
+ *   key CODE      press and release the key of evdev code CODE (KWin's interface version 4) */
 #include <linux/input-event-codes.h>
 #include <stdio.h>
 #include <string.h>
@@ -14,13 +15,16 @@
 #include "kde-fake-input-client-protocol.h"
 
 static struct org_kde_kwin_fake_input *fake_input;
+static uint32_t fake_input_version;
 
 static void global_added(void *data, struct wl_registry *registry, uint32_t name, const char *interface,
                          uint32_t version)
 {
     (void)data;
-    if (strcmp(interface, org_kde_kwin_fake_input_interface.name) == 0 && version >= 3)
-        fake_input = wl_registry_bind(registry, name, &org_kde_kwin_fake_input_interface, 3);
+    if (strcmp(interface, org_kde_kwin_fake_input_interface.name) == 0 && version >= 3) {
+        fake_input_version = version < 4 ? version : 4;
+        fake_input = wl_registry_bind(registry, name, &org_kde_kwin_fake_input_interface, fake_input_version);
+    }
 }
 
 static void global_removed(void *data, struct wl_registry *registry, uint32_t name)
@@ -51,10 +55,14 @@ int main(void)
     char line[256];
     while (fgets(line, sizeof line, stdin)) {
         double x, y;
+        unsigned key;
         if (sscanf(line, "move %lf %lf", &x, &y) == 2) {
             org_kde_kwin_fake_input_pointer_motion_absolute(fake_input, wl_fixed_from_double(x), wl_fixed_from_double(y));
         } else if (strncmp(line, "down", 4) == 0 || strncmp(line, "up", 2) == 0) {
             org_kde_kwin_fake_input_button(fake_input, BTN_LEFT, line[0] == 'd' ? 1 : 0);
+        } else if (sscanf(line, "key %u", &key) == 1 && fake_input_version >= 4) {
+            org_kde_kwin_fake_input_keyboard_key(fake_input, key, 1);
+            org_kde_kwin_fake_input_keyboard_key(fake_input, key, 0);
         } else {
             printf("error: unknown command %s", line);
             fflush(stdout);
