@@ -1,6 +1,8 @@
 #include "WaylandSession.h"
 
 #include "CanberraSoundPlayer.h"
+#include "FallbackHotKeyRegistrar.h"
+#include "KGlobalAccelHotKeyRegistrar.h"
 #include "KWinWindowList.h"
 #include "PortalHotKeyRegistrar.h"
 #include "PortalScreenCapturePermission.h"
@@ -33,7 +35,9 @@ std::variant<SessionAdapters, QString> adapters(SystemLog &log)
     set.permission = std::move(capture.permission);
     set.screenCapturer = std::move(capture.capturer);
     set.displays = std::move(displays);
-    if (std::unique_ptr<KWinWindowList> kwin = KWinWindowList::whereKWinRuns(QDBusConnection::sessionBus())) {
+    std::unique_ptr<KWinWindowList> kwin = KWinWindowList::whereKWinRuns(QDBusConnection::sessionBus());
+    const bool onKWin = kwin != nullptr;
+    if (kwin) {
         set.setTrace = [list = kwin.get()](const std::function<void(const QString &)> &trace) { list->setTrace(trace); };
         set.windowList = std::move(kwin);
     } else {
@@ -48,7 +52,14 @@ std::variant<SessionAdapters, QString> adapters(SystemLog &log)
     else
         set.pasteboard = std::make_unique<QtPasteboard>();
     set.sounds = std::make_unique<CanberraSoundPlayer>(nullptr);
-    set.hotKeys = std::make_unique<PortalHotKeyRegistrar>(QDBusConnection::sessionBus(), log);
+    // The portal first; on KDE Plasma, where it binds nothing (5.27), KDE's own shortcut service. Not
+    // elsewhere: a kglobalaccel the bus starts on another desktop accepts keys that never fire.
+    auto portal = std::make_unique<PortalHotKeyRegistrar>(QDBusConnection::sessionBus(), log);
+    if (onKWin)
+        set.hotKeys = std::make_unique<FallbackHotKeyRegistrar>(
+            std::move(portal), std::make_unique<KGlobalAccelHotKeyRegistrar>(QDBusConnection::sessionBus(), log));
+    else
+        set.hotKeys = std::move(portal);
     set.inputGrab = std::make_unique<WaylandInputGrab>(qEnvironmentVariable("SWAYSOCK"));
     set.overlaysFillScreens = true;
     return set;

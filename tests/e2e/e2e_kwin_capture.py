@@ -4,13 +4,17 @@ KWin's permission check in force. Vistrel's launcher entry is installed as an in
 (Exec with the executable's full path), so KWin grants Vistrel by its own entry. A selection on each
 output, started with `vistrel select` and dragged through KWin's fake input, is saved pixel for pixel as
 KWin's own CaptureScreen shows that output at its native pixels. Without the entry, KWin refuses and the
-system log says why and what grants it. `vistrel capture` reads a display and regions through KWin too, and Space over a window saves exactly its frame.
+system log says why and what grants it. `vistrel capture` reads a display and regions through KWin too,
+Space over a window saves exactly its frame, and with no portal to bind the shortcuts KDE's own shortcut
+service holds them.
 
 Run as   SCRIPT VISTREL KWIN_POINTER"""
 import os
 import subprocess
 import sys
 import time
+
+import dbus
 
 from PIL import Image, ImageChops
 
@@ -111,6 +115,20 @@ check("libQt6Core" in linked and "libQt6Gui" not in linked, f"vistrel links othe
 app = Vistrel()
 check("Vistrel: wayland capture via KWin's ScreenShot2" in app.system_log(),
       f"the system log does not name KWin's ScreenShot2: {app.system_log()}")
+
+
+def kde_shortcut(action):
+    """The keys KDE's shortcut service (what System Settings › Shortcuts shows) holds for our action."""
+    try:
+        service = dbus.SessionBus().get_object("org.kde.kglobalaccel", "/kglobalaccel")
+        return [int(key) for key in service.shortcut(["vistrel", action, "", ""], dbus_interface="org.kde.KGlobalAccel")]
+    except dbus.DBusException:
+        return []
+
+
+# No portal binds keys here: KDE's own shortcut service holds both commands.
+check(wait_until(lambda: kde_shortcut("select") and kde_shortcut("repeat"), timeout=10),
+      f"KDE's shortcut service does not list Vistrel's commands: {app.system_log()}")
 
 # Layout points and the output pixels they cover: Virtual-1 is at 1280,0 at scale 2.
 for name, start, end, pixels in [("Virtual-0", (200, 150), (520, 390), (200, 150, 520, 390)),
