@@ -22,35 +22,8 @@ while [ $# -gt 0 ]; do
 done
 [ $# -gt 0 ] || { echo "run-in-session.sh: no command given" >&2; exit 2; }
 
-here=$(cd "$(dirname "$0")" && pwd)
-repo=$(cd "$here/../.." && pwd)
-session=$(mktemp -d "${TMPDIR:-/tmp}/vistrel-e2e.XXXXXX")
-pids=()
-
-teardown() {
-  local i
-  for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
-    kill "${pids[i]}" 2>/dev/null
-  done
-  for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
-    wait "${pids[i]}" 2>/dev/null
-  done
-  rm -rf "$session"
-}
-trap teardown EXIT
-trap 'exit 130' INT TERM
-
-fail() { echo "run-in-session.sh: $*" >&2; exit 1; }
-
-# Waits up to ten seconds for a condition (a command) to hold.
-wait_for() {
-  local tries=0
-  until "$@" >/dev/null 2>&1; do
-    tries=$((tries + 1))
-    [ $tries -lt 200 ] || return 1
-    sleep 0.05
-  done
-}
+source "$(dirname "$0")/session-lib.sh"
+session_begin run-in-session.sh
 
 # X server: Xvfb picks a free display itself and writes its number to fd 5.
 if ! command -v Xvfb >/dev/null; then

@@ -28,46 +28,10 @@ if ! command -v sway >/dev/null; then
   exit 77
 fi
 
-here=$(cd "$(dirname "$0")" && pwd)
-repo=$(cd "$here/../.." && pwd)
-session=$(mktemp -d "${TMPDIR:-/tmp}/vistrel-wayland-e2e.XXXXXX")
-chmod 755 "$session"
-pids=()
+source "$(dirname "$0")/session-lib.sh"
+session_begin run-in-wayland-session.sh
 
-teardown() {
-  local i
-  for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
-    kill "${pids[i]}" 2>/dev/null
-  done
-  for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
-    wait "${pids[i]}" 2>/dev/null
-  done
-  rm -rf "$session"
-}
-trap teardown EXIT
-trap 'exit 130' INT TERM
-
-fail() { echo "run-in-wayland-session.sh: $*" >&2; exit 1; }
-
-# Waits up to ten seconds for a condition (a command) to hold.
-wait_for() {
-  local tries=0
-  until "$@" >/dev/null 2>&1; do
-    tries=$((tries + 1))
-    [ $tries -lt 200 ] || return 1
-    sleep 0.05
-  done
-}
-
-# The session's user: nobody when started as root, else whoever runs this. Logs and the sway
-# configuration stay root's, in $session; everything the user writes lives in $user_dir.
-as_user=()
-user_dir="$session/user"
-mkdir -p "$user_dir"
-if [ "$(id -u)" = 0 ]; then
-  as_user=(setpriv --reuid=65534 --regid=65534 --clear-groups)
-  chown 65534:65534 "$user_dir"
-fi
+session_user
 user() { "${as_user[@]}" "$@"; }
 user mkdir -p "$user_dir/home/Desktop" "$user_dir/home/.config" "$user_dir/home/.local/state" \
   "$user_dir/home/.local/share" "$user_dir/home/.cache" "$user_dir/runtime" "$user_dir/tmp" "$user_dir/output" ||
