@@ -14,7 +14,7 @@ namespace shortcuttriggers {
 // The xkbcommon name of the keysym the key produces unshifted: "s", "4", "minus", "Return".
 std::optional<QString> keysymName(quint32 keyCode);
 
-// The shortcuts-specification form the GlobalShortcuts portal takes: "CTRL+SHIFT+4", "LOGO+SHIFT+s".
+// The trigger text the GlobalShortcuts portal takes (the XDG shortcut format): "CTRL+SHIFT+4", "LOGO+SHIFT+s".
 std::optional<QString> xdgTrigger(quint32 keyCode, quint32 carbonModifiers);
 // The form of a sway bindsym: "Ctrl+Shift+4", "Shift+Mod4+s".
 std::optional<QString> swayCombination(quint32 keyCode, quint32 carbonModifiers);

@@ -42,18 +42,6 @@ X11HotKeyRegistrar::~X11HotKeyRegistrar()
     xcb_flush(m_connection);
 }
 
-HotKeyRegistrar::Result X11HotKeyRegistrar::installHandler(Handler handler)
-{
-    const Handle handle = m_nextHandle++;
-    m_handlers.insert(handle, std::move(handler));
-    return {noErr, handle};
-}
-
-void X11HotKeyRegistrar::removeHandler(Handle handler)
-{
-    m_handlers.remove(handler);
-}
-
 HotKeyRegistrar::Result X11HotKeyRegistrar::registerHotKey(quint32 keyCode, quint32 carbonModifiers,
                                                            Identifier identifier)
 {
@@ -181,19 +169,11 @@ bool X11HotKeyRegistrar::handleKeyPress(xcb_keycode_t keycode, quint16 state)
         m_heldKeycode = keycode;
         // After the event, so handlers may open windows and grab the keyboard outside Qt's dispatch.
         QMetaObject::invokeMethod(
-            &m_context, [this, identifier = registration.identifier] { dispatch(identifier); },
+            &m_context, [this, identifier = registration.identifier] { m_handlers.dispatch(identifier); },
             Qt::QueuedConnection);
         return true;
     }
     return false;
-}
-
-void X11HotKeyRegistrar::dispatch(Identifier identifier)
-{
-    // A handler may re-register, which changes the map under us.
-    const QList<Handler> handlers = m_handlers.values();
-    for (const Handler &handler : handlers)
-        handler(identifier);
 }
 
 void X11HotKeyRegistrar::handleMappingNotify(void *event)

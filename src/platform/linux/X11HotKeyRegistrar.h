@@ -1,5 +1,6 @@
 #pragma once
 
+#include "HotKeyHandlers.h"
 #include "platform/HotKeyRegistrar.h"
 
 #include <QAbstractNativeEventFilter>
@@ -34,8 +35,8 @@ public:
     explicit X11HotKeyRegistrar(xcb_connection_t *connection);
     ~X11HotKeyRegistrar() override;
 
-    Result installHandler(Handler handler) override;
-    void removeHandler(Handle handler) override;
+    Result installHandler(Handler handler) override { return m_handlers.install(std::move(handler)); }
+    void removeHandler(Handle handler) override { m_handlers.remove(handler); }
     Result registerHotKey(quint32 keyCode, quint32 carbonModifiers, Identifier identifier) override;
     void unregisterHotKey(Handle hotKey) override;
     Binder binder() const override { return Binder::XServer; }
@@ -53,7 +54,6 @@ private:
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
     bool handleKeyPress(xcb_keycode_t keycode, quint16 state);
     void handleMappingNotify(void *event);
-    void dispatch(Identifier identifier);
 
     Status grab(Registration &registration);
     void ungrab(const Registration &registration);
@@ -64,7 +64,7 @@ private:
     xcb_window_t m_root = 0;
     std::unique_ptr<xcb_key_symbols_t, void (*)(xcb_key_symbols_t *)> m_symbols;
     quint16 m_numLockMask = 0;
-    QMap<Handle, Handler> m_handlers;
+    HotKeyHandlers m_handlers;
     QMap<Handle, Registration> m_registrations;
     Handle m_nextHandle = 1;
     // The key of the last press we took, until it is released: a held key repeats its press, and

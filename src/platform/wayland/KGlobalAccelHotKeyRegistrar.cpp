@@ -61,18 +61,6 @@ KGlobalAccelHotKeyRegistrar::~KGlobalAccelHotKeyRegistrar()
         m_bus.call(call(u"setInactive"_s) << actionId(registration.name, registration.identifier.id), QDBus::NoBlock);
 }
 
-HotKeyRegistrar::Result KGlobalAccelHotKeyRegistrar::installHandler(Handler handler)
-{
-    const Handle handle = m_nextHandle++;
-    m_handlers.insert(handle, std::move(handler));
-    return {noErr, handle};
-}
-
-void KGlobalAccelHotKeyRegistrar::removeHandler(Handle handler)
-{
-    m_handlers.remove(handler);
-}
-
 HotKeyRegistrar::Result KGlobalAccelHotKeyRegistrar::registerHotKey(quint32 keyCode, quint32 carbonModifiers,
                                                                     Identifier identifier)
 {
@@ -133,9 +121,9 @@ void KGlobalAccelHotKeyRegistrar::pressed(const QString &componentName, const QS
     for (const Registration &registration : std::as_const(m_registrations)) {
         if (registration.name != actionName)
             continue;
-        const QList<Handler> handlers = m_handlers.values();
-        for (const Handler &handler : handlers)
-            handler(registration.identifier);
+        // A copy: a handler may re-register, which changes the registrations under us.
+        const Identifier identifier = registration.identifier;
+        m_handlers.dispatch(identifier);
         return;
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "HotKeyHandlers.h"
 #include "platform/HotKeyRegistrar.h"
 
 #include <QDBusConnection>
@@ -32,8 +33,8 @@ public:
     KGlobalAccelHotKeyRegistrar(const QDBusConnection &bus, SystemLog &systemLog);
     ~KGlobalAccelHotKeyRegistrar() override;
 
-    Result installHandler(Handler handler) override;
-    void removeHandler(Handle handler) override;
+    Result installHandler(Handler handler) override { return m_handlers.install(std::move(handler)); }
+    void removeHandler(Handle handler) override { m_handlers.remove(handler); }
     Result registerHotKey(quint32 keyCode, quint32 carbonModifiers, Identifier identifier) override;
     void unregisterHotKey(Handle hotKey) override;
     Binder binder() const override { return m_binder; }
@@ -53,7 +54,7 @@ private:
 
     QDBusConnection m_bus;
     SystemLog &m_systemLog;
-    QMap<Handle, Handler> m_handlers;
+    HotKeyHandlers m_handlers;
     QMap<Handle, Registration> m_registrations;
     Handle m_nextHandle = 1;
     bool m_listening = false;

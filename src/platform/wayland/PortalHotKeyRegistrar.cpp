@@ -67,18 +67,6 @@ PortalHotKeyRegistrar::~PortalHotKeyRegistrar()
     closeSession(m_session);
 }
 
-HotKeyRegistrar::Result PortalHotKeyRegistrar::installHandler(Handler handler)
-{
-    const Handle handle = m_nextHandle++;
-    m_handlers.insert(handle, std::move(handler));
-    return {noErr, handle};
-}
-
-void PortalHotKeyRegistrar::removeHandler(Handle handler)
-{
-    m_handlers.remove(handler);
-}
-
 HotKeyRegistrar::Result PortalHotKeyRegistrar::registerHotKey(quint32 keyCode, quint32 carbonModifiers,
                                                               Identifier identifier)
 {
@@ -240,11 +228,9 @@ void PortalHotKeyRegistrar::activated(const QDBusObjectPath &session, const QStr
     for (const Registration &registration : std::as_const(m_registrations)) {
         if (registration.name != shortcutId)
             continue;
-        // A handler may re-register, which changes the maps under us.
-        const QList<Handler> handlers = m_handlers.values();
+        // A copy: a handler may re-register, which changes the registrations under us.
         const Identifier identifier = registration.identifier;
-        for (const Handler &handler : handlers)
-            handler(identifier);
+        m_handlers.dispatch(identifier);
         return;
     }
 }
