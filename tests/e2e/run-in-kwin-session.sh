@@ -44,7 +44,6 @@ session_begin run-in-kwin-session.sh 20
 
 session_user
 mkdir -p "$session/bin"
-user() { "${as_user[@]}" "$@"; }
 user mkdir -p "$user_dir/home/Desktop" "$user_dir/home/.config" "$user_dir/home/.local/state" \
   "$user_dir/home/.local/share/applications" "$user_dir/home/.local/share/kscreen" "$user_dir/home/.cache" \
   "$user_dir/runtime" "$user_dir/tmp" "$user_dir/output" ||
@@ -100,22 +99,12 @@ NoDisplay=true
 X-KDE-DBUS-Restricted-Interfaces=org.kde.KWin.ScreenShot2
 EOF
 
-"${as_user[@]}" dbus-daemon --session --nofork --address="unix:path=$XDG_RUNTIME_DIR/bus" --print-address=5 5>"$session/bus" 2>"$session/dbus.log" &
-pids+=($!)
-wait_for test -s "$session/bus" || fail "dbus-daemon did not start: $(cat "$session/dbus.log")"
-export DBUS_SESSION_BUS_ADDRESS=$(head -n 1 "$session/bus")
-
-output=${VISTREL_E2E_OUTPUT:-}
-export VISTREL_E2E_OUTPUT="$user_dir/output" QT_QPA_PLATFORM=wayland PYTHONDONTWRITEBYTECODE=1
+session_user_bus
 
 LIBGL_ALWAYS_SOFTWARE=1 "${as_user[@]}" "$session/bin/kwin_wayland" --virtual --width 1280 --height 720 \
   --output-count 2 --socket wayland-vistrel --no-lockscreen --no-global-shortcuts --no-kactivities \
   >"$session/kwin.log" 2>&1 &
 pids+=($!)
-has_name() {
-  user dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
-    org.freedesktop.DBus.NameHasOwner "string:$1" | grep -q "boolean true"
-}
 wait_for test -S "$XDG_RUNTIME_DIR/wayland-vistrel" && wait_for has_name org.kde.KWin ||
   fail "KWin did not start: $(tail -n 5 "$session/kwin.log")"
 export WAYLAND_DISPLAY=wayland-vistrel
@@ -132,13 +121,4 @@ wait_for shows Virtual-0 "$VISTREL_E2E_BACKGROUND_VIRTUAL_0" && wait_for shows V
   fail "the outputs do not show their wallpaper: $(tail -n 5 "$session/wallpaper.log" "$session/kwin.log")"
 rm -f "$user_dir/tmp/shown.png"
 
-"${as_user[@]}" dunst >"$session/dunst.log" 2>&1 &
-pids+=($!)
-wait_for has_name org.freedesktop.Notifications || fail "dunst did not start: $(cat "$session/dunst.log")"
-
-user "$@"
-status=$?
-if [ -n "$output" ] && [ -n "$(ls -A "$VISTREL_E2E_OUTPUT")" ]; then
-  mkdir -p "$output" && cp -r "$VISTREL_E2E_OUTPUT"/. "$output"/
-fi
-exit $status
+session_run_with_notifications "$@"

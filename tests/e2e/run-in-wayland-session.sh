@@ -32,7 +32,6 @@ source "$(dirname "$0")/session-lib.sh"
 session_begin run-in-wayland-session.sh
 
 session_user
-user() { "${as_user[@]}" "$@"; }
 user mkdir -p "$user_dir/home/Desktop" "$user_dir/home/.config" "$user_dir/home/.local/state" \
   "$user_dir/home/.local/share" "$user_dir/home/.cache" "$user_dir/runtime" "$user_dir/tmp" "$user_dir/output" ||
   fail "the session's user cannot write $user_dir"
@@ -82,16 +81,8 @@ gaps outer 0
 xwayland disable
 EOF
 
-# The servers start through setpriv, which execs them, not through user(): the process ids kept for
-# the teardown are then the servers' own. The bus comes first, so that what sway runs (bindsym exec)
-# finds it, and the command's environment too.
-"${as_user[@]}" dbus-daemon --session --nofork --address="unix:path=$XDG_RUNTIME_DIR/bus" --print-address=5 5>"$session/bus" 2>"$session/dbus.log" &
-pids+=($!)
-wait_for test -s "$session/bus" || fail "dbus-daemon did not start: $(cat "$session/dbus.log")"
-export DBUS_SESSION_BUS_ADDRESS=$(head -n 1 "$session/bus")
-
-output=${VISTREL_E2E_OUTPUT:-}
-export VISTREL_E2E_OUTPUT="$user_dir/output" QT_QPA_PLATFORM=wayland PYTHONDONTWRITEBYTECODE=1
+# The bus comes first, so that what sway runs (bindsym exec) finds it, and the command's environment too.
+session_user_bus
 
 WLR_BACKENDS=headless WLR_LIBINPUT_NO_DEVICES=1 WLR_RENDERER=pixman WLR_HEADLESS_OUTPUTS=2 \
   "${as_user[@]}" sway -c "$session/sway.conf" >"$session/sway.log" 2>&1 &
@@ -106,16 +97,4 @@ shows() { user grim -t ppm -o "$1" - | cmp -s - "$2"; }
 wait_for shows HEADLESS-1 "$cache/desk-1280x720.ppm" && wait_for shows HEADLESS-2 "$cache/desk-1920x1080.ppm" ||
   fail "the outputs do not show their wallpaper: $(tail -n 5 "$session/sway.log")"
 
-"${as_user[@]}" dunst >"$session/dunst.log" 2>&1 &
-pids+=($!)
-# Asked of the bus, not of dunst: a call to the server would have the bus start a second one.
-wait_for user sh -c 'dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
-  org.freedesktop.DBus.NameHasOwner string:org.freedesktop.Notifications | grep -q "boolean true"' ||
-  fail "dunst did not start: $(cat "$session/dunst.log")"
-
-user "$@"
-status=$?
-if [ -n "$output" ] && [ -n "$(ls -A "$VISTREL_E2E_OUTPUT")" ]; then
-  mkdir -p "$output" && cp -r "$VISTREL_E2E_OUTPUT"/. "$output"/
-fi
-exit $status
+session_run_with_notifications "$@"

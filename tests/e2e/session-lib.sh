@@ -50,3 +50,38 @@ session_user() {
     chown 65534:65534 "$user_dir"
   fi
 }
+
+user() { "${as_user[@]}" "$@"; }
+
+# Whether the session bus has a service of that name. Asked of the bus, not of the service: a call to
+# the service would have the bus start a second one.
+has_name() {
+  user dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
+    org.freedesktop.DBus.NameHasOwner "string:$1" | grep -q "boolean true"
+}
+
+# The user's session bus, at $XDG_RUNTIME_DIR/bus. Servers start through setpriv, which execs them, not
+# through user(): the process ids kept for the teardown are then the servers' own.
+session_user_bus() {
+  "${as_user[@]}" dbus-daemon --session --nofork --address="unix:path=$XDG_RUNTIME_DIR/bus" --print-address=5 \
+    5>"$session/bus" 2>"$session/dbus.log" &
+  pids+=($!)
+  wait_for test -s "$session/bus" || fail "dbus-daemon did not start: $(cat "$session/dbus.log")"
+  export DBUS_SESSION_BUS_ADDRESS=$(head -n 1 "$session/bus")
+  session_output=${VISTREL_E2E_OUTPUT:-}
+  export VISTREL_E2E_OUTPUT="$user_dir/output" QT_QPA_PLATFORM=wayland PYTHONDONTWRITEBYTECODE=1
+}
+
+# The notification server, then the command as the user; its output folder is copied to the one the
+# caller named, and its exit status is the script's.
+session_run_with_notifications() {
+  "${as_user[@]}" dunst >"$session/dunst.log" 2>&1 &
+  pids+=($!)
+  wait_for has_name org.freedesktop.Notifications || fail "dunst did not start: $(cat "$session/dunst.log")"
+  user "$@"
+  local status=$?
+  if [ -n "$session_output" ] && [ -n "$(ls -A "$VISTREL_E2E_OUTPUT")" ]; then
+    mkdir -p "$session_output" && cp -r "$VISTREL_E2E_OUTPUT"/. "$session_output"/
+  fi
+  exit $status
+}
