@@ -1,14 +1,12 @@
-// The Wayland adapters against a real headless sway (run-in-wayland-session.sh): the clipboard read back
-// with wl-paste and wl-copy, with no window of ours focused, and our own window in sway's window list.
-#include "SwayWindowList.h"
+// The Wayland clipboard against a real headless sway (run-in-wayland-session.sh), with no window of ours
+// focused: readers that stall or vanish, clearing, and reading what another application copied. (That
+// each capture is served to wl-paste is the capture flow test's to show.)
 #include "WaylandClipboard.h"
 
 #include <QGuiApplication>
 #include <QPainter>
 #include <QProcess>
 #include <QRandomGenerator>
-#include <QRasterWindow>
-#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -69,11 +67,9 @@ class WaylandClipboardTest : public QObject
 
 private slots:
     void initTestCase();
-    void eachWriteIsServedWithoutFocus();
     void stalledAndVanishingReadersLeaveOthersServed();
     void clearingLeavesNothingToPaste();
     void readsWhatAnotherApplicationCopied();
-    void ourWindowIsListedAsVistrel();
 
 private:
     std::unique_ptr<WaylandClipboard> m_clipboard;
@@ -85,18 +81,6 @@ void WaylandClipboardTest::initTestCase()
         QSKIP("needs a Wayland session (run-in-wayland-session.sh)");
     m_clipboard = WaylandClipboard::create();
     QVERIFY2(m_clipboard, "sway offers data-control, so the clipboard must come up");
-}
-
-void WaylandClipboardTest::eachWriteIsServedWithoutFocus()
-{
-    const QImage first = pattern(97, 61, 1);
-    QVERIFY(m_clipboard->writeImage(first));
-    QCOMPARE(pasted(), first);
-    QCOMPARE(pasted(), first);
-
-    const QImage second = pattern(64, 80, 2);
-    QVERIFY(m_clipboard->writeImage(second));
-    QCOMPARE(pasted(), second);
 }
 
 void WaylandClipboardTest::stalledAndVanishingReadersLeaveOthersServed()
@@ -147,27 +131,6 @@ void WaylandClipboardTest::readsWhatAnotherApplicationCopied()
     const std::optional<QImage> readBack = m_clipboard->readImage();
     QVERIFY(readBack);
     QCOMPARE(readBack->convertToFormat(QImage::Format_RGB32), ours);
-}
-
-void WaylandClipboardTest::ourWindowIsListedAsVistrel()
-{
-    QGuiApplication::setDesktopFileName(u"vistrel"_s);
-    QCoreApplication::setApplicationName(u"Vistrel"_s);
-    QRasterWindow window;
-    window.resize(300, 200);
-    window.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&window));
-
-    // sway lists the window once it has mapped it, which may be after Qt saw it exposed.
-    const std::unique_ptr<SwayWindowList> list = SwayWindowList::fromEnvironment();
-    std::optional<QList<WindowList::Entry>> windows;
-    QTRY_VERIFY_WITH_TIMEOUT((windows = list->onScreenWindows()) && !windows->isEmpty(), 10000);
-    QCOMPARE(windows->size(), 1);
-    QCOMPARE(windows->first().ownerName, std::optional<QString>(u"Vistrel"_s));
-    // Alone and borderless in this session, the window is tiled over its whole output.
-    const QRect output = window.screen()->geometry();
-    const QRect primary = QGuiApplication::primaryScreen()->geometry();
-    QCOMPARE(windows->first().bounds, std::optional<Rect>(Rect::fromQRectF(QRectF(output.translated(-primary.topLeft())))));
 }
 
 QTEST_MAIN(WaylandClipboardTest)
