@@ -16,7 +16,7 @@ test=(libxcb-xfixes0-dev libxcb-xkb-dev xvfb xauth openbox dunst dbus dbus-x11 x
       desktop-file-utils clang libclang-rt-14-dev gnome-settings-daemon-common
       sway grim wtype wl-clipboard pipewire xdg-desktop-portal xdg-desktop-portal-wlr xdg-desktop-portal-gtk kwin-wayland libkf5globalaccel-bin)
 run=(xdg-utils)
-bench=(scrot maim flameshot kde-spectacle imagemagick hyperfine time xrestop)
+bench=(scrot maim flameshot kde-spectacle ksnip imagemagick hyperfine time xrestop)
 
 groups=("$@")
 [ ${#groups[@]} -gt 0 ] || groups=(build)
