@@ -26,34 +26,6 @@ QImage paintedCanvas(const ImageEditorView &view, double ratio = 1)
     return canvas;
 }
 
-// A picture with some structure, so that mosaics and misplaced drawing show; `ratio` pixels per point.
-QImage pattern(double ratio = 1)
-{
-    QImage image(200, 120, QImage::Format_RGB32);
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            image.setPixel(x, y, qRgb((x * 5) % 256, (y * 7) % 256, ((x + y) * 3) % 256));
-    image.setDevicePixelRatio(ratio);
-    return image;
-}
-
-// The image's frame as a widget scrolled to it shows it on a screen of `ratio`, repainted only inside
-// `damage` (canvas view points) when that is given.
-void paintFrame(QImage &screen, const ImageEditorView &view, double ratio, const std::optional<QRegion> &damage)
-{
-    const QRectF frame = view.viewport().imageFrameInCanvas();
-    if (screen.isNull()) {
-        screen = QImage((frame.size() * ratio).toSize(), QImage::Format_RGB32);
-        screen.setDevicePixelRatio(ratio);
-        screen.fill(Qt::black);
-    }
-    const QRegion exposed = damage ? *damage : QRegion(frame.toAlignedRect());
-    QPainter painter(&screen);
-    painter.translate(-frame.topLeft());
-    painter.setClipRegion(exposed);
-    view.paintCanvas(painter, exposed);
-}
-
 int largestChannelDifference(const QImage &a, const QImage &b)
 {
     int largest = 0;
@@ -82,10 +54,6 @@ private slots:
     void canvasShowsWhatIsSaved_data();
     void canvasShowsWhatIsSaved();
     void handlesOfTheSelectionArePainted();
-    void partialRepaintsShowWhatAFullRepaintShows_data();
-    void partialRepaintsShowWhatAFullRepaintShows();
-    void motionRepaintsAboutWhatItTouched_data();
-    void motionRepaintsAboutWhatItTouched();
 };
 
 void CanvasDrawingTest::dragDrawsOneOverlayOfTheTool_data()
@@ -154,7 +122,7 @@ void CanvasDrawingTest::overlayBeingDrawnIsNotInTheDocumentUntilReleased()
 void CanvasDrawingTest::textToolMakesABoxWhoseTextIsLeftToTheField()
 {
     EditorViewFixture f;
-    f.model->setImage(pattern());
+    f.model->setImage(EditorViewFixture::pattern());
     f.model->setSelectedColor(Qt::green);
     f.model->setSelectedTextFillColor(QColor(255, 255, 255));
     f.model->setSelectedTextFontFamily(u"Serif"_s);
@@ -230,7 +198,7 @@ void CanvasDrawingTest::canvasShowsWhatIsSaved()
 {
     QFETCH(double, ratio);
     EditorViewFixture f;
-    f.model->setImage(pattern(ratio));
+    f.model->setImage(EditorViewFixture::pattern(ratio));
     f.place(EditorTool::Rectangle, {20, 20}, {90, 70});
     f.place(EditorTool::Arrow, {100, 10}, {180, 90});
     f.place(EditorTool::Mosaic, {120, 60}, {190, 110});
@@ -241,10 +209,10 @@ void CanvasDrawingTest::canvasShowsWhatIsSaved()
     const QImage canvas = paintedCanvas(f.view, ratio);
     // At 100 % the picture takes the points it took on screen, each of its pixels one device pixel.
     const QRectF frame = f.view.viewport().imageFrameInCanvas();
-    QCOMPARE(frame.size(), QSizeF(pattern().size()) / ratio);
+    QCOMPARE(frame.size(), QSizeF(EditorViewFixture::pattern().size()) / ratio);
     const QImage shown = canvas.copy(QRectF(frame.topLeft() * ratio, frame.size() * ratio).toRect());
     const QImage saved = f.model->renderEditedImage().convertToFormat(QImage::Format_RGB32);
-    QCOMPARE(saved.size(), pattern().size());
+    QCOMPARE(saved.size(), EditorViewFixture::pattern().size());
     QCOMPARE(shown.size(), saved.size());
     QVERIFY2(largestChannelDifference(shown, saved) <= 2, "the canvas differs from the saved picture");
     QCOMPARE(canvas.pixelColor(5, 5), ImageEditorView::canvasBackground);
@@ -274,125 +242,6 @@ void CanvasDrawingTest::handlesOfTheSelectionArePainted()
     f.drag({f.at(0, 0), f.at(10, 10)});
     f.interaction().setSelectedOverlayID(f.model->overlays().last().id);
     QVERIFY(f.view.handles().isEmpty());
-}
-
-void CanvasDrawingTest::partialRepaintsShowWhatAFullRepaintShows_data()
-{
-    QTest::addColumn<EditorTool>("tool");
-    QTest::addColumn<QString>("gesture"); // draw a new overlay, or move or resize one of the tool
-    QTest::addColumn<double>("zoom");
-    QTest::addColumn<double>("ratio");
-    QTest::addColumn<bool>("annotated");
-    for (EditorTool tool : editortool::allCases())
-        for (const QString &gesture : {u"draw"_s, u"move"_s, u"resize"_s})
-            for (double zoom : {1.0, 0.5, 2.0})
-                for (double ratio : {1.0, 2.0})
-                    for (bool annotated : {false, true}) {
-                        if (gesture == u"resize"_s && tool == EditorTool::Freehand)
-                            continue; // strokes only move
-                        QTest::addRow("%s: %s at %g on a %gx screen%s", qPrintable(gesture),
-                                      qPrintable(editortool::rawValue(tool)), zoom, ratio,
-                                      annotated ? " over annotations" : "")
-                            << tool << gesture << zoom << ratio << annotated;
-                    }
-}
-
-void CanvasDrawingTest::partialRepaintsShowWhatAFullRepaintShows()
-{
-    QFETCH(EditorTool, tool);
-    QFETCH(QString, gesture);
-    QFETCH(double, zoom);
-    QFETCH(double, ratio);
-    QFETCH(bool, annotated);
-    EditorViewFixture f;
-    f.model->setImage(pattern());
-    if (annotated) {
-        f.place(EditorTool::Rectangle, {20, 20}, {90, 70});
-        f.place(EditorTool::Arrow, {100, 10}, {60, 60});
-        f.place(EditorTool::Mosaic, {40, 30}, {110, 95});
-        f.place(EditorTool::Text, {70, 50}, {150, 80});
-        Overlay stroke = f.place(EditorTool::Freehand, {10, 100}, {60, 110});
-        stroke.points = {{10, 100}, {50, 40}, {80, 90}};
-        f.model->replaceOverlay(stroke);
-    }
-    f.view.viewport().setZoomScale(zoom);
-    f.model->setSelectedTool(tool);
-    // It grows, shrinks and turns back, so that places it left must be repainted too.
-    QList<QPointF> path{{30, 30}, {35, 33}, {80, 60}, {120, 90}, {70, 75}, {50, 40}, {52, 41}, {90, 20}};
-    if (gesture != u"draw"_s) {
-        Overlay edited = f.place(tool, {40, 30}, {110, 90});
-        if (tool == EditorTool::Freehand) {
-            edited.points = {{40, 30}, {75, 60}, {110, 90}};
-            f.model->replaceOverlay(edited);
-        }
-        f.editMode();
-        f.interaction().setSelectedOverlayID(edited.id);
-        // Moved by a point on its outline, resized by its end corner.
-        const bool onLine = tool == EditorTool::Arrow || tool == EditorTool::Freehand;
-        const QPointF grip = gesture == u"resize"_s ? QPointF(110, 90) : onLine ? QPointF(75, 60) : QPointF(40, 60);
-        for (QPointF &point : path)
-            point += grip - path.first();
-    }
-
-    QImage screen;
-    paintFrame(screen, f.view, ratio, std::nullopt);
-    f.view.pointerPressed(f.at(path.first().x(), path.first().y()));
-    int repaints = 0;
-    // Connected for this scope only, however the test leaves it.
-    QObject repainting;
-    connect(&f.view, &ImageEditorView::changed, &repainting, [&](ImageEditorView::Parts parts) {
-        QVERIFY(parts & (ImageEditorView::Part::CanvasPaint | ImageEditorView::Part::CanvasContent));
-        QVERIFY(f.view.canvasDamage());
-        paintFrame(screen, f.view, ratio, f.view.canvasDamage());
-        ++repaints;
-    });
-    for (QPointF point : path.mid(1)) {
-        f.view.pointerMoved(f.at(point.x(), point.y()));
-        QImage fresh;
-        paintFrame(fresh, f.view, ratio, std::nullopt);
-        QCOMPARE(screen, fresh);
-    }
-    QCOMPARE(repaints, path.size() - 1);
-}
-
-void CanvasDrawingTest::motionRepaintsAboutWhatItTouched_data()
-{
-    QTest::addColumn<EditorTool>("tool");
-    QTest::addColumn<QPointF>("from");
-    QTest::addColumn<QPointF>("to");
-    QTest::addColumn<int>("most"); // the largest repaint the last motion may ask for, in square view points
-    // 10 points on, at the end of a long stroke: the new segment, its width and edge smoothing.
-    QTest::newRow("freehand") << EditorTool::Freehand << QPointF(100, 100) << QPointF(3000, 1800) << 20 * 20;
-    // The lines of the old and the new rectangle, not the canvas nor the 330 × 230 box around them.
-    QTest::newRow("rectangle") << EditorTool::Rectangle << QPointF(1000, 1000) << QPointF(1300, 1200) << 16000;
-}
-
-void CanvasDrawingTest::motionRepaintsAboutWhatItTouched()
-{
-    QFETCH(EditorTool, tool);
-    QFETCH(QPointF, from);
-    QFETCH(QPointF, to);
-    QFETCH(int, most);
-    EditorViewFixture f;
-    f.model->setImage(EditorViewFixture::picture(3840, 2160));
-    for (int i = 0; i < 50; ++i)
-        f.place(EditorTool::Rectangle, {40.0 + i * 70, 40.0 + i * 40}, {300.0 + i * 70, 200.0 + i * 40});
-    f.model->setSelectedTool(tool);
-    f.view.pointerPressed(f.at(from.x(), from.y()));
-    for (int step = 1; step <= 100; ++step) {
-        const QPointF point = from + (to - from) * step / 100;
-        f.view.pointerMoved(f.at(point.x(), point.y()));
-    }
-    const QPoint last = (f.at(to.x(), to.y()) + QPointF(8, 6)).toPoint();
-    f.view.pointerMoved(last);
-
-    const std::optional<QRegion> damage = f.view.canvasDamage();
-    QVERIFY(damage);
-    qint64 area = 0;
-    for (const QRect &rect : *damage)
-        area += qint64(rect.width()) * rect.height();
-    QVERIFY2(area <= most, qPrintable(u"repaints %1 square points"_s.arg(area)));
-    QVERIFY(damage->contains(last));
 }
 
 QTEST_MAIN(CanvasDrawingTest)

@@ -19,7 +19,8 @@ ImageEditorView::ImageEditorView(std::shared_ptr<ImageEditorModel> model, Servic
       m_viewport(*m_model, services.scheduler),
       m_interaction(*m_model, m_viewport, services.systemLog, services.scheduler),
       m_pointerInput(*m_model, m_viewport, m_interaction),
-      m_toolbar(*m_model, m_interaction)
+      m_toolbar(*m_model, m_interaction),
+      m_repaintTracker(m_viewport)
 {
     connect(m_model.get(), &ImageEditorModel::changed, this, &ImageEditorView::modelChanged);
     connect(&m_interaction, &CanvasInteraction::changed, this, &ImageEditorView::interactionChanged);
@@ -27,7 +28,7 @@ ImageEditorView::ImageEditorView(std::shared_ptr<ImageEditorModel> model, Servic
             &ImageEditorView::focusedTextOverlayChanged);
     // The zoom controls are in the toolbar.
     connect(&m_viewport, &EditorViewport::geometryChanged, this, [this] {
-        addCanvasDamage(std::nullopt);
+        m_repaintTracker.invalidate();
         announce(Part::CanvasGeometry | Part::Toolbar);
     });
     connect(&m_toolbar, &EditorToolbar::textFillOpacityChanged, this, [this] { announce(Part::Toolbar); });
@@ -46,9 +47,8 @@ void ImageEditorView::modelChanged(ImageEditorModel::Changes changes)
     // An overlay changes with a step of the history, which also covers the selected one's font.
     if (changes & (Change::History | Change::Style))
         parts |= Part::Toolbar;
-    if (parts & (Part::CanvasGeometry | Part::CanvasContent))
-        addCanvasDamage(std::nullopt);
-    m_paintedSelectedOverlay = m_interaction.selectedOverlay();
+    if (changes & Change::Image)
+        m_repaintTracker.invalidate();
     announce(parts);
 }
 
@@ -65,67 +65,7 @@ void ImageEditorView::interactionChanged(CanvasInteraction::Changes changes)
         parts |= Part::CanvasPaint | Part::Toolbar;
     if (changes & Change::Mode)
         parts |= Part::Toolbar;
-    // Only the drawing moved on: its old and new places. Anything else may show anywhere.
-    if (changes == CanvasInteraction::Changes(Change::Drawing))
-        addCanvasDamage(drawingDamage());
-    else if (changes == CanvasInteraction::Changes(Change::Dragging))
-        addCanvasDamage(editDragDamage());
-    else if (parts & (Part::CanvasContent | Part::CanvasPaint))
-        addCanvasDamage(std::nullopt);
-    m_paintedActiveOverlay = m_interaction.activeOverlay();
-    m_paintedSelectedOverlay = m_interaction.selectedOverlay();
     announce(parts);
-}
-
-void ImageEditorView::addCanvasDamage(const std::optional<QRegion> &area)
-{
-    if (m_pendingDamage && area)
-        *m_pendingDamage += *area;
-    else
-        m_pendingDamage.reset();
-}
-
-QRegion ImageEditorView::drawingDamage() const
-{
-    const std::optional<Overlay> &before = m_paintedActiveOverlay;
-    const std::optional<Overlay> &after = m_interaction.activeOverlay();
-    QRegion area;
-    if (before && after && before->type == EditorTool::Freehand && after->type == EditorTool::Freehand
-        && before->color == after->color && !before->points.isEmpty()
-        && after->points.size() >= before->points.size()
-        && after->points.first() == before->points.first()
-        && after->points.at(before->points.size() - 1) == before->points.last()) {
-        // A stroke only grows at its end, and its pixels are the union of its segments': what changed
-        // lies around the new segments.
-        if (after->points.size() == before->points.size())
-            return area;
-        Overlay segments = *after;
-        segments.points = after->points.mid(before->points.size() - 1);
-        return editorcanvas::overlayPaintRegion(m_viewport, segments);
-    }
-    if (before && after)
-        return editorcanvas::overlayChangeRegion(m_viewport, *before, *after);
-    if (before)
-        area = editorcanvas::overlayPaintRegion(m_viewport, *before);
-    if (after)
-        area += editorcanvas::overlayPaintRegion(m_viewport, *after);
-    return area;
-}
-
-std::optional<QRegion> ImageEditorView::editDragDamage() const
-{
-    const std::optional<Overlay> &before = m_paintedSelectedOverlay;
-    const std::optional<Overlay> after = m_interaction.selectedOverlay();
-    if (!before || !after || before->id != after->id)
-        return std::nullopt;
-    QRegion area = editorcanvas::overlayChangeRegion(m_viewport, *before, *after);
-    for (const Overlay *overlay : {&*before, &*after})
-        for (const Handle &handle : handlesOf(*overlay)) {
-            // The ring's outer edge and its smoothing.
-            const double reach = handle.diameter / 2 + handle.outlineWidth / 2 + 2;
-            area += QRectF(handle.center - QPointF(reach, reach), QSizeF(2 * reach, 2 * reach)).toAlignedRect();
-        }
-    return area;
 }
 
 void ImageEditorView::announce(Parts parts)
@@ -137,7 +77,8 @@ void ImageEditorView::announce(Parts parts)
     if (!parts)
         return;
     if (parts & (Part::CanvasContent | Part::CanvasPaint | Part::CanvasGeometry))
-        m_canvasDamage = std::exchange(m_pendingDamage, QRegion());
+        m_canvasDamage = m_repaintTracker.takeDamage(m_model->overlays(), m_interaction.activeOverlay(),
+                                                     m_interaction.selectedOverlay());
     emit changed(parts);
 }
 

@@ -2,6 +2,7 @@
 
 #include "editor/CanvasInteraction.h"
 #include "editor/CanvasPointerInput.h"
+#include "editor/CanvasRepaintTracker.h"
 #include "editor/EditorToolbar.h"
 #include "editor/EditorViewport.h"
 #include "editor/ImageEditorModel.h"
@@ -106,7 +107,8 @@ public:
     // The same, only what lies in `exposed`.
     void paintCanvas(QPainter &painter, const QRegion &exposed) const;
     // What the last changed() naming the canvas needs repainted, in canvas view points: absent for all
-    // of it, empty for nothing. A drag that draws names only what its overlay covered and covers.
+    // of it, empty for nothing. A drag, a release, an undo name only what the overlays they change
+    // covered and cover, and the handles of a selection that changed.
     const std::optional<QRegion> &canvasDamage() const { return m_canvasDamage; }
 
 signals:
@@ -118,12 +120,6 @@ private:
     void interactionChanged(CanvasInteraction::Changes changes);
     // Emitted at once, or at the end of the pointer event being handled.
     void announce(Parts parts);
-    // Adds to what the next changed() asks to repaint; absent for the whole canvas.
-    void addCanvasDamage(const std::optional<QRegion> &area);
-    // Where the overlay being drawn changed since it was last announced.
-    QRegion drawingDamage() const;
-    // Where the overlay an edit drag moves or resizes changed, handles included; absent for all of it.
-    std::optional<QRegion> editDragDamage() const;
     QList<Handle> handlesOf(const Overlay &overlay) const;
     template<typename Handler>
     void handlePointer(Handler handler);
@@ -136,11 +132,8 @@ private:
     EditorToolbar m_toolbar;
     bool m_isHandlingPointer = false;
     Parts m_pendingParts;
-    std::optional<QRegion> m_pendingDamage = QRegion();
+    CanvasRepaintTracker m_repaintTracker;
     std::optional<QRegion> m_canvasDamage;
-    // The overlay being drawn as the last announced damage left it on the canvas.
-    std::optional<Overlay> m_paintedActiveOverlay;
-    std::optional<Overlay> m_paintedSelectedOverlay;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(ImageEditorView::Parts)

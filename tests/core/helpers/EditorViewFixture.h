@@ -22,6 +22,16 @@ struct EditorViewFixture
         image.fill(QColor(90, 120, 150));
         return image;
     }
+    // A picture with some structure, so that mosaics and misplaced drawing show; `ratio` pixels per point.
+    static QImage pattern(double ratio = 1)
+    {
+        QImage image(200, 120, QImage::Format_RGB32);
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                image.setPixel(x, y, qRgb((x * 5) % 256, (y * 7) % 256, ((x + y) * 3) % 256));
+        image.setDevicePixelRatio(ratio);
+        return image;
+    }
 
     FakeKeyValueStore store;
     FakeScheduler scheduler;
