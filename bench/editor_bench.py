@@ -92,7 +92,7 @@ class Run:
             editor.select_tool(tool)
             server_before = process_cpu_ms(self.server_pid)
             values = editor.run_probe("stroke", self.layout.stroke_start(), "--step", "{},{}".format(*self.layout.step),
-                                      "--motions", str(self.motions), "--pid", str(editor.pid))
+                                      "--motions", str(self.motions), "--pid", str(editor.pid), "--timeout-ms", "5000")
             server_ms = process_cpu_ms(self.server_pid) - server_before
             entry = samples.setdefault(f"{label} {tool}", {"ms": [], "missed": 0, "cpu_ms": 0.0, "scheduled_ms": 0.0,
                                                           "server_ms": 0.0, "motions": 0})

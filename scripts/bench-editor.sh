@@ -21,7 +21,7 @@ bash scripts/setup.sh bench
 build=${VISTREL_BENCH_DIR:-build/bench}
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG" \
       -DVISTREL_BUILD_TESTS=OFF >/dev/null
-cmake --build "$build" --target vistrel latency_probe
+cmake --build "$build" --target vistrel latency_probe >&2
 
 results="$build/editor-results"
 mkdir -p "$results"
