@@ -31,6 +31,10 @@ Q_DECLARE_METATYPE(shortcutguidance::Desktop)
 Q_DECLARE_METATYPE(ShortcutKeyCombo)
 Q_DECLARE_METATYPE(GnomeShortcutBinding::State)
 
+// The notices Vistrel shows once ever.
+enum class Notice { Shortcuts, Trayless, ScreenshotDialog };
+Q_DECLARE_METATYPE(Notice)
+
 namespace {
 
 struct Fixture
@@ -51,6 +55,27 @@ struct Fixture
 constexpr quint64 controlShift = ShortcutKeyCombo::Control | ShortcutKeyCombo::Shift;
 constexpr quint64 shiftCommand = ShortcutKeyCombo::Shift | ShortcutKeyCombo::Command;
 
+struct NoticeFacts
+{
+    QString key, category, title;
+};
+
+NoticeFacts factsOf(Notice notice)
+{
+    switch (notice) {
+    case Notice::Shortcuts:
+        return {u"VistrelShortcutGuidanceShown"_s, u"VistrelShortcutGuidanceCategory"_s,
+                u"Vistrel: ショートカットが使えません"_s};
+    case Notice::Trayless:
+        return {u"VistrelTraylessGuidanceShown"_s, u"VistrelTraylessGuidanceCategory"_s,
+                u"Vistrel: トレイにアイコンを表示できません"_s};
+    case Notice::ScreenshotDialog:
+        break;
+    }
+    return {u"VistrelScreenshotPermissionNoticeShown"_s, u"VistrelScreenshotPermissionCategory"_s,
+            u"Vistrel: 画面の撮影の確認"_s};
+}
+
 QString gnomeEntry(int n)
 {
     return gnomeshortcuts::entryFolder + u"custom"_s + QString::number(n) + u'/';
@@ -67,12 +92,8 @@ private slots:
     void desktopFromEnvironment();
     void bindingTexts_data();
     void bindingTexts();
-    void guidanceIsNotifiedOnce_data();
-    void guidanceIsNotifiedOnce();
-    void traylessGuidance_data();
-    void traylessGuidance();
-    void screenshotPermissionNotice_data();
-    void screenshotPermissionNotice();
+    void tellsOnce_data();
+    void tellsOnce();
     void gnomePlans_data();
     void gnomePlans();
     void gnomeBindingOnClick_data();
@@ -137,151 +158,115 @@ void ShortcutGuidanceTest::bindingTexts()
     QCOMPARE(shortcutguidance::bindingText(binder, desktop, command, combo), text);
 }
 
-void ShortcutGuidanceTest::guidanceIsNotifiedOnce_data()
+void ShortcutGuidanceTest::tellsOnce_data()
 {
+    QTest::addColumn<Notice>("notice");
     QTest::addColumn<Desktop>("desktop");
+    // Each a moment the notice may be due: an answer of the registrar, or a capture.
     QTest::addColumn<QList<Binder>>("binders");
-    QTest::addColumn<bool>("shownBefore");
+    // A tray shows the icon; the portal may take screenshots without asking.
+    QTest::addColumn<bool>("needless");
+    QTest::addColumn<QVariant>("stored");
+    // Empty for no notice.
     QTest::addColumn<QString>("body");
     const QString sway = u"sway の設定に追加してください:\n"
                          "bindsym Shift+Mod4+s exec vistrel select\n"
                          "bindsym Ctrl+Shift+4 exec vistrel repeat\n"
                          "クリックすると設定を開きます。"_s;
-    QTest::newRow("nobody binds: one notice, however often")
-        << Desktop::Sway << QList{Binder::Nobody, Binder::Pending, Binder::Nobody} << false << sway;
-    QTest::newRow("GNOME: the place, and the button in the settings")
-        << Desktop::Gnome << QList{Binder::Pending, Binder::Nobody} << false
-        << u"GNOME の設定 → キーボード → カスタムショートカットで「vistrel select」(Shift+Super+S)と"
-           "「vistrel repeat」(Ctrl+Shift+4)を追加してください。\nクリックして開く設定の「GNOME に登録」でも登録できます。"_s;
-    QTest::newRow("the portal binds") << Desktop::Sway << QList{Binder::Pending, Binder::Portal} << false << QString();
-    QTest::newRow("shown at an earlier start") << Desktop::Sway << QList{Binder::Nobody} << true << QString();
+    const QList<Binder> nobodyTwice{Binder::Nobody, Binder::Pending, Binder::Nobody};
+    const auto row = [](const char *name, Notice notice, const QList<Binder> &binders, const QString &body,
+                        const QVariant &stored = {}, Desktop desktop = Desktop::Sway, bool needless = false) {
+        QTest::newRow(name) << notice << desktop << binders << needless << stored << body;
+    };
+    row("shortcuts: nobody binds, one notice however often", Notice::Shortcuts, nobodyTwice, sway);
+    row("shortcuts: GNOME, the place and the button in the settings", Notice::Shortcuts,
+        {Binder::Pending, Binder::Nobody},
+        u"GNOME の設定 → キーボード → カスタムショートカットで「vistrel select」(Shift+Super+S)と"
+        "「vistrel repeat」(Ctrl+Shift+4)を追加してください。\nクリックして開く設定の「GNOME に登録」でも登録できます。"_s,
+        {}, Desktop::Gnome);
+    row("shortcuts: the portal binds", Notice::Shortcuts, {Binder::Pending, Binder::Portal}, {});
+    row("shortcuts: told at an earlier start", Notice::Shortcuts, nobodyTwice, {}, true);
+
+    const QString settings = u"\n設定は「vistrel settings」か、アプリ一覧の Vistrel を右クリックして「設定」から開けます。"_s;
+    const QString keys = u"撮影は Shift+Super+S、繰り返し撮影は Ctrl+Shift+4。"_s + settings;
+    const QString commands = u"撮影は「vistrel select」、繰り返し撮影は「vistrel repeat」。"_s + settings;
+    row("no tray: the X server binds, the keys at once", Notice::Trayless, {Binder::XServer, Binder::XServer}, keys);
+    row("no tray: told once, after the portal answered", Notice::Trayless,
+        {Binder::Pending, Binder::Portal, Binder::Nobody}, keys);
+    row("no tray: nothing binds, the commands", Notice::Trayless, {Binder::Pending, Binder::Nobody}, commands);
+    row("no tray: a key outside the table, the commands", Notice::Trayless, {Binder::XServer}, commands, {},
+        Desktop::Other);
+    row("a tray shows the icon", Notice::Trayless, {Binder::XServer}, {}, {}, Desktop::Sway, true);
+    row("no tray: told at an earlier start", Notice::Trayless, {Binder::Portal}, {}, true);
+    // Stored by hand or by another version: read as the preferences read booleans.
+    row("no tray: stored as the text YES, told", Notice::Trayless, {Binder::Portal}, {}, u" YES"_s);
+    row("no tray: stored as the text no, not told yet", Notice::Trayless, {Binder::Portal}, keys, u"no"_s);
+    row("no tray: stored as 0, not told yet", Notice::Trayless, {Binder::Portal}, keys, 0);
+    row("no tray: stored as a list, not told yet", Notice::Trayless, {Binder::Portal}, keys, QStringList{u"1"_s});
+
+    const QString dialog = u"続いて GNOME が、スクリーンショットの撮影を許可するか尋ねます。"
+                           "「許可」を選ぶと Vistrel が画面を撮影できます。確認は最初の一度だけです。"_s;
+    row("screenshot dialog: told before the first request", Notice::ScreenshotDialog, nobodyTwice, dialog);
+    row("screenshot dialog: told at an earlier start", Notice::ScreenshotDialog, nobodyTwice, {}, true);
+    row("screenshot permitted without asking", Notice::ScreenshotDialog, nobodyTwice, {}, {}, Desktop::Sway, true);
 }
 
-void ShortcutGuidanceTest::guidanceIsNotifiedOnce()
+void ShortcutGuidanceTest::tellsOnce()
 {
+    QFETCH(Notice, notice);
     QFETCH(Desktop, desktop);
     QFETCH(QList<Binder>, binders);
-    QFETCH(bool, shownBefore);
+    QFETCH(bool, needless);
+    QFETCH(QVariant, stored);
     QFETCH(QString, body);
-    const int notices = body.isEmpty() ? 0 : 1;
+    const NoticeFacts facts = factsOf(notice);
     Fixture f;
-    f.settings.setRepeatHotKeyCombo({u"4"_s, controlShift});
-    if (shownBefore)
-        f.store.values.insert(ShortcutGuidance::shownKey, true);
+    // The desktop without a row of its own stands for a repeat key no desktop can name.
+    f.settings.setRepeatHotKeyCombo({desktop == Desktop::Other ? u"F1"_s : u"4"_s, controlShift});
+    if (stored.isValid())
+        f.store.values.insert(facts.key, stored);
     FakeUserNotifier notifier;
-    ShortcutGuidance guidance(f.registrar, f.settings, notifier, desktop);
-    guidance.start();
-    int changes = 0;
-    connect(&guidance, &ShortcutGuidance::binderChanged, this, [&changes] { ++changes; });
-    for (const Binder binder : binders)
-        f.registrar.reportBinder(binder);
-
-    QCOMPARE(changes, binders.size());
-    QCOMPARE(notifier.requests.size(), notices);
-    QCOMPARE(f.store.synced.value(ShortcutGuidance::shownKey).toBool(), notices > 0);
-    QCOMPARE(guidance.bindingText(Command::Repeat),
-             shortcutguidance::bindingText(binders.last(), desktop, Command::Repeat, {u"4"_s, controlShift}));
-    if (notices == 0)
-        return;
-    const UserNotifier::Request &request = notifier.requests.first();
-    QCOMPARE(request.categoryIdentifier, ShortcutGuidance::categoryIdentifier);
-    QCOMPARE(request.title, u"Vistrel: ショートカットが使えません"_s);
-    QCOMPARE(request.body, body);
-}
-
-void ShortcutGuidanceTest::traylessGuidance_data()
-{
-    QTest::addColumn<bool>("tray");
-    QTest::addColumn<QList<Binder>>("binders");
-    QTest::addColumn<bool>("shownBefore");
-    QTest::addColumn<ShortcutKeyCombo>("repeat");
-    QTest::addColumn<QString>("body");
-    const QString settings = u"\n設定は「vistrel settings」か、アプリ一覧の Vistrel を右クリックして「設定」から開けます。"_s;
-    const ShortcutKeyCombo ctrl4{u"4"_s, quint64(ShortcutKeyCombo::Control)};
-    QTest::newRow("X server binds: the keys, at once")
-        << false << QList{Binder::XServer} << false << ctrl4 << u"撮影は Shift+Super+S、繰り返し撮影は Ctrl+4。"_s + settings;
-    QTest::newRow("told once, after the portal answered")
-        << false << QList{Binder::Pending, Binder::Portal, Binder::Nobody} << false << ctrl4
-        << u"撮影は Shift+Super+S、繰り返し撮影は Ctrl+4。"_s + settings;
-    QTest::newRow("nothing binds: the commands")
-        << false << QList{Binder::Pending, Binder::Nobody} << false << ctrl4
-        << u"撮影は「vistrel select」、繰り返し撮影は「vistrel repeat」。"_s + settings;
-    QTest::newRow("a key outside the table: the commands")
-        << false << QList{Binder::XServer} << false << ShortcutKeyCombo{u"F1"_s, controlShift}
-        << u"撮影は「vistrel select」、繰り返し撮影は「vistrel repeat」。"_s + settings;
-    QTest::newRow("a tray shows the icon") << true << QList{Binder::XServer} << false << ctrl4 << QString();
-    QTest::newRow("told at an earlier start") << false << QList{Binder::Portal} << true << ctrl4 << QString();
-}
-
-void ShortcutGuidanceTest::traylessGuidance()
-{
-    QFETCH(bool, tray);
-    QFETCH(QList<Binder>, binders);
-    QFETCH(bool, shownBefore);
-    QFETCH(ShortcutKeyCombo, repeat);
-    QFETCH(QString, body);
-    Fixture f;
-    f.settings.setRepeatHotKeyCombo(repeat);
-    if (shownBefore)
-        f.store.values.insert(TraylessGuidance::shownKey, true);
+    ShortcutGuidance shortcuts(f.registrar, f.settings, notifier, desktop);
     FakeStatusItem statusItem;
-    statusItem.shownToUser = tray;
-    FakeUserNotifier notifier;
-    TraylessGuidance guidance(statusItem, f.registrar, f.settings, notifier);
-    // Asked at launch and at every change of binder.
-    for (const Binder binder : binders) {
-        f.registrar.currentBinder = binder;
-        guidance.consider();
+    statusItem.shownToUser = needless;
+    TraylessGuidance trayless(statusItem, f.registrar, f.settings, notifier);
+    FakeScreenCapturePermission portal;
+    portal.preflightResult = needless;
+    ScreenshotPermissionNotice permission(portal, f.store, notifier);
+    int changes = 0;
+    connect(&shortcuts, &ShortcutGuidance::binderChanged, this, [&changes] { ++changes; });
+    if (notice == Notice::Shortcuts)
+        shortcuts.start();
+    for (qsizetype due = 0; due < binders.size(); ++due) {
+        if (notice == Notice::Shortcuts)
+            f.registrar.reportBinder(binders.at(due));
+        if (notice == Notice::Trayless) {
+            f.registrar.currentBinder = binders.at(due);
+            trayless.consider();
+        }
+        // As the capture's permission gate asks: the notice comes before the portal's dialog, whose
+        // answer is the portal's.
+        if (notice == Notice::ScreenshotDialog && !permission.preflight()) {
+            QCOMPARE(notifier.requests.size(), body.isEmpty() ? 0 : 1);
+            portal.requestResult = due % 2 == 0;
+            QCOMPARE(permission.request(), due % 2 == 0);
+        }
     }
 
+    if (notice == Notice::Shortcuts) {
+        QCOMPARE(changes, binders.size());
+        QCOMPARE(shortcuts.bindingText(Command::Repeat), shortcutguidance::bindingText(binders.last(), desktop,
+                                                                                       Command::Repeat, f.settings.repeatHotKeyCombo()));
+    }
     QCOMPARE(notifier.requests.size(), body.isEmpty() ? 0 : 1);
-    QCOMPARE(f.store.synced.value(TraylessGuidance::shownKey).toBool(), !body.isEmpty());
+    QCOMPARE(f.store.synced.value(facts.key).toBool(), !body.isEmpty());
     if (body.isEmpty())
         return;
     const UserNotifier::Request &request = notifier.requests.first();
-    QCOMPARE(request.categoryIdentifier, TraylessGuidance::categoryIdentifier);
-    QCOMPARE(request.title, u"Vistrel: トレイにアイコンを表示できません"_s);
+    QCOMPARE(request.identifier, facts.key);
+    QCOMPARE(request.categoryIdentifier, facts.category);
+    QCOMPARE(request.title, facts.title);
     QCOMPARE(request.body, body);
-}
-
-void ShortcutGuidanceTest::screenshotPermissionNotice_data()
-{
-    QTest::addColumn<bool>("permitted");
-    QTest::addColumn<bool>("shownBefore");
-    QTest::addColumn<bool>("granted");
-    QTest::addColumn<int>("notices");
-    QTest::newRow("the portal asks: told once, before the first request") << false << false << true << 1;
-    QTest::newRow("refused: the answer is the portal's") << false << false << false << 1;
-    QTest::newRow("told at an earlier start") << false << true << true << 0;
-    QTest::newRow("permitted without asking") << true << false << true << 0;
-}
-
-void ShortcutGuidanceTest::screenshotPermissionNotice()
-{
-    QFETCH(bool, permitted);
-    QFETCH(bool, shownBefore);
-    QFETCH(bool, granted);
-    QFETCH(int, notices);
-    Fixture f;
-    if (shownBefore)
-        f.store.values.insert(ScreenshotPermissionNotice::shownKey, true);
-    FakeScreenCapturePermission portal;
-    portal.preflightResult = permitted;
-    portal.requestResult = granted;
-    FakeUserNotifier notifier;
-    ScreenshotPermissionNotice permission(portal, f.store, notifier);
-    // Two captures, each asked as the permission gate asks.
-    for (int capture = 0; capture < 2; ++capture) {
-        if (permission.preflight())
-            continue;
-        QCOMPARE(notifier.requests.size(), notices);
-        QCOMPARE(portal.requestCount, capture);
-        QCOMPARE(permission.request(), granted);
-    }
-    QCOMPARE(notifier.requests.size(), notices);
-    QCOMPARE(f.store.synced.value(ScreenshotPermissionNotice::shownKey).toBool(), notices > 0);
-    if (notices > 0)
-        QVERIFY(notifier.requests.first().body.startsWith(u"続いて GNOME が"_s));
 }
 
 void ShortcutGuidanceTest::gnomePlans_data()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/OnceNotice.h"
 #include "platform/ScreenCapturePermission.h"
 
 #include <QString>
@@ -25,6 +26,5 @@ public:
 
 private:
     ScreenCapturePermission &m_permission;
-    KeyValueStore &m_store;
-    UserNotifier &m_notifier;
+    OnceNotice m_notice;
 };

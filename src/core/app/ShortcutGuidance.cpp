@@ -1,7 +1,6 @@
 #include "app/ShortcutGuidance.h"
 
 #include "app/GnomeShortcutBinding.h"
-#include "platform/UserNotifier.h"
 #include "settings/AppSettings.h"
 
 #include <QPointer>
@@ -10,7 +9,8 @@ using namespace shortcutguidance;
 
 ShortcutGuidance::ShortcutGuidance(HotKeyRegistrar &registrar, AppSettings &settings, UserNotifier &notifier,
                                    Desktop desktop, CustomKeybindingStore *desktopKeybindings)
-    : m_registrar(registrar), m_settings(settings), m_notifier(notifier), m_desktop(desktop)
+    : m_registrar(registrar), m_settings(settings), m_desktop(desktop),
+      m_notice(shownKey, categoryIdentifier, settings.defaults().store(), notifier)
 {
     if (desktop == Desktop::Gnome && desktopKeybindings) {
         m_gnome = std::make_unique<GnomeShortcutBinding>(*desktopKeybindings, settings);
@@ -47,12 +47,8 @@ QString ShortcutGuidance::bindingText(Command command) const
 void ShortcutGuidance::binderDidChange(HotKeyRegistrar::Binder binder)
 {
     emit binderChanged();
-    UserDefaults &defaults = m_settings.defaults();
-    if (!needsGuidance(binder) || defaults.boolValue(shownKey))
+    if (!needsGuidance(binder))
         return;
     const Notice text = notice(m_desktop, m_settings.hotKeyCombo(), m_settings.repeatHotKeyCombo());
-    // Whether it reached the screen is not waited for: the settings rows say the same.
-    m_notifier.add({shownKey, text.title, text.body, categoryIdentifier, false, 0}, [](std::optional<QString>) {});
-    defaults.setBool(shownKey, true);
-    defaults.synchronize();
+    m_notice.post(text.title, text.body);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/OnceNotice.h"
 #include "app/ShortcutGuidanceRules.h"
 #include "platform/HotKeyRegistrar.h"
 
@@ -48,7 +49,7 @@ private:
 
     HotKeyRegistrar &m_registrar;
     AppSettings &m_settings;
-    UserNotifier &m_notifier;
     shortcutguidance::Desktop m_desktop;
+    OnceNotice m_notice;
     std::unique_ptr<GnomeShortcutBinding> m_gnome;
 };

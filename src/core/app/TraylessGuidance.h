@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/OnceNotice.h"
+
 #include <QString>
 
 class AppSettings;
@@ -27,5 +29,5 @@ private:
     StatusItem &m_statusItem;
     HotKeyRegistrar &m_registrar;
     AppSettings &m_settings;
-    UserNotifier &m_notifier;
+    OnceNotice m_notice;
 };
