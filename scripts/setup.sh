@@ -14,7 +14,8 @@ build=(g++ cmake ninja-build ccache pkg-config
 test=(libxcb-xfixes0-dev libxcb-xkb-dev xvfb xauth openbox dunst dbus dbus-x11 xdotool xclip x11-xserver-utils x11-utils
       imagemagick python3 python3-pil python3-dbus python3-gi trayer at-spi2-core gir1.2-atspi-2.0
       desktop-file-utils clang libclang-rt-14-dev gnome-settings-daemon-common
-      sway grim wtype wl-clipboard pipewire xdg-desktop-portal xdg-desktop-portal-wlr xdg-desktop-portal-gtk kwin-wayland libkf5globalaccel-bin)
+      sway grim wtype wl-clipboard pipewire xdg-desktop-portal xdg-desktop-portal-wlr xdg-desktop-portal-gtk kwin-wayland libkf5globalaccel-bin
+      gnome-shell xdg-desktop-portal-gnome gjs)
 run=(xdg-utils)
 bench=(scrot maim flameshot kde-spectacle ksnip imagemagick hyperfine time xrestop)
 

@@ -4,6 +4,7 @@
 #include "FallbackHotKeyRegistrar.h"
 #include "KGlobalAccelHotKeyRegistrar.h"
 #include "KWinWindowList.h"
+#include "MutterDisplayConfig.h"
 #include "PortalHotKeyRegistrar.h"
 #include "PortalScreenCapturePermission.h"
 #include "QtCursor.h"
@@ -25,6 +26,10 @@ std::variant<SessionAdapters, QString> adapters(SystemLog &log)
     if (QString *failure = std::get_if<QString>(&opened))
         return *failure;
     std::unique_ptr<WaylandConnection> connection = std::move(std::get<std::unique_ptr<WaylandConnection>>(opened));
+
+    // GNOME's word on its monitors over Qt's, whose sizes of scaled monitors are in mixed units there.
+    if (std::shared_ptr<MutterDisplayConfig> mutter = MutterDisplayConfig::whereMutterRuns(QDBusConnection::sessionBus()))
+        DesktopSpace::setCompositorLayout([mutter](const QList<DesktopScreen> &qt) { return mutter->outputs(qt); });
 
     SessionAdapters set;
     auto displays = std::make_unique<WaylandDisplayProvider>();

@@ -37,6 +37,7 @@ QtSelectionWindow::QtSelectionWindow(SelectionOverlayWidget *widget, const Displ
 
 QtSelectionWindow::~QtSelectionWindow()
 {
+    QObject::disconnect(m_screenWatch);
     if (m_holdsGrab && m_widget)
         m_grab.release();
 }
@@ -62,6 +63,7 @@ void QtSelectionWindow::setFrame(const Rect &frame)
     if (const DesktopScreen *display = desktopspace::screenAtLogical(QRectF(logical).center(), space.screens())) {
         if (QScreen *screen = DesktopSpace::qscreen(display->name)) {
             m_widget->winId();
+            m_screen = screen;
             m_widget->windowHandle()->setScreen(screen);
         }
     }
@@ -147,6 +149,13 @@ void QtSelectionWindow::orderFront()
         if (!m_widget->findChild<ExposeRepaint *>()) {
             m_widget->winId();
             m_widget->windowHandle()->installEventFilter(new ExposeRepaint(m_widget));
+            // When its display goes, Qt hands the window to another one, where the compositor would show
+            // it full screen over that display's own overlay: it goes with its display instead.
+            m_screenWatch = QObject::connect(m_widget->windowHandle(), &QWindow::screenChanged, m_widget,
+                                             [this](QScreen *screen) {
+                if (m_widget && m_screen != screen)
+                    m_widget->hide();
+            });
         }
         m_widget->showFullScreen();
         return;

@@ -3,6 +3,7 @@
 #include "platform/SelectionWindow.h"
 
 #include <QPointer>
+#include <QScreen>
 
 class DisplayProvider;
 class InputGrab;
@@ -43,4 +44,7 @@ private:
     bool m_holdsGrab = false;
     bool m_fillsScreen = false;
     std::optional<Rect> m_frame;
+    // The display the window was put on, and the watch that hides it when Qt moves it off that display.
+    QPointer<QScreen> m_screen;
+    QMetaObject::Connection m_screenWatch;
 };

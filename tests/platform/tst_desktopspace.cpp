@@ -29,6 +29,8 @@ private slots:
     void logicalToNativeIsTheInverse();
     void globalSpaceFlipsAboutThePrimaryDisplay_data();
     void globalSpaceFlipsAboutThePrimaryDisplay();
+    void compositorLayoutCorrectsQtAndMapsToItsPictures_data();
+    void compositorLayoutCorrectsQtAndMapsToItsPictures();
 };
 
 void DesktopSpaceTest::onlyASpanningMonitorIsLeftOut()
@@ -122,6 +124,52 @@ void DesktopSpaceTest::globalSpaceFlipsAboutThePrimaryDisplay()
     const Rect topLeft = desktopspace::toTopLeftGlobal(logical, primary);
     QCOMPARE(topLeft.origin(), logical.topLeft() - QPointF(primary.topLeft()));
     QCOMPARE(desktopspace::fromTopLeftGlobal(topLeft, primary), logical);
+}
+
+// GNOME with two 1280x720 and 1920x1080 pixel monitors, the second at scale 2. In its pixel layout Qt 6.4
+// gives the second its layout position and its size in pixels, the compositor's report fixes the size;
+// in its logical layout Qt is right and the report changes nothing. Rectangles in Qt's logical space land
+// in a picture of the whole layout at `perUnit` pixels per layout unit.
+void DesktopSpaceTest::compositorLayoutCorrectsQtAndMapsToItsPictures_data()
+{
+    QTest::addColumn<QRect>("qtSecond");
+    QTest::addColumn<QRect>("reportedSecond");
+    QTest::addColumn<double>("perUnit");
+    QTest::addColumn<QRectF>("logical");
+    QTest::addColumn<QRect>("inPicture");
+    const QRect pixelLayout(1280, 0, 1920, 1080);
+    const QRect logicalLayout(1280, 0, 960, 540);
+    QTest::newRow("pixel layout, on the scale 1 monitor")
+        << pixelLayout << pixelLayout << 1.0 << QRectF(100, 100, 300, 200) << QRect(100, 100, 300, 200);
+    QTest::newRow("pixel layout, a point is two pixels on the scale 2 monitor")
+        << pixelLayout << pixelLayout << 1.0 << QRectF(1330, 50, 150, 100) << QRect(1380, 100, 300, 200);
+    QTest::newRow("pixel layout, across both by each corner's own monitor")
+        << pixelLayout << pixelLayout << 1.0 << QRectF(1180, 0, 150, 100) << QRect(1180, 0, 200, 200);
+    QTest::newRow("logical layout, the picture at the highest scale")
+        << logicalLayout << logicalLayout << 2.0 << QRectF(1330, 50, 150, 100) << QRect(2660, 100, 300, 200);
+    QTest::newRow("unreported: Qt's screens as they are")
+        << logicalLayout << QRect() << 2.0 << QRectF(100, 100, 300, 200) << QRect(200, 200, 600, 400);
+}
+
+void DesktopSpaceTest::compositorLayoutCorrectsQtAndMapsToItsPictures()
+{
+    QFETCH(QRect, qtSecond);
+    QFETCH(QRect, reportedSecond);
+    QFETCH(double, perUnit);
+    const QList<DesktopScreen> qt = {
+        {u"Meta-0"_s, QRect(0, 0, 1280, 720), QRect(0, 0, 1280, 720), QRect(0, 0, 1280, 720), 1},
+        {u"Meta-1"_s, qtSecond, qtSecond, QRect(qtSecond.topLeft(), qtSecond.size() * 2), 2},
+    };
+    QList<CompositorOutput> reported = {{u"Meta-0"_s, QRect(0, 0, 1280, 720), 1, QSize(1280, 720)}};
+    if (!reportedSecond.isNull())
+        reported.append({u"Meta-1"_s, reportedSecond, 2, QSize(1920, 1080)});
+    const QList<DesktopScreen> screens = desktopspace::withCompositorLayout(qt, reported);
+
+    QCOMPARE(screens.at(1).logical, QRect(1280, 0, 960, 540));
+    QCOMPARE(screens.at(1).native.size(), QSize(1920, 1080));
+    QCOMPARE(screens.at(1).layoutRect(), reportedSecond.isNull() ? qtSecond : reportedSecond);
+    QFETCH(QRectF, logical);
+    QTEST(desktopspace::logicalToLayout(logical, screens, perUnit), "inPicture");
 }
 
 QTEST_GUILESS_MAIN(DesktopSpaceTest)

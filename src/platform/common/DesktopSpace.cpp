@@ -39,6 +39,39 @@ bool holds(const QRect &outer, const QRect &inner)
     return outer != inner && outer.contains(inner);
 }
 
+// Where a display's logical points land in a target space: its origin there and the target's units
+// per point.
+struct Target
+{
+    QPointF origin;
+    double perPoint;
+};
+
+Target nativeOf(const DesktopScreen &s)
+{
+    return {QPointF(s.native.topLeft()), s.scale};
+}
+
+QPointF onScreen(QPointF logical, const DesktopScreen &s, const Target &target)
+{
+    return target.origin + (logical - QPointF(s.logical.topLeft())) * target.perPoint;
+}
+
+// Each corner by its own display, rounded outward to whole units.
+template<typename TargetOf>
+QRect logicalTo(const QRectF &logical, const QList<DesktopScreen> &screens, TargetOf targetOf)
+{
+    const DesktopScreen *first = screenAtLogical(logical.topLeft(), screens);
+    const DesktopScreen *last = screenAtLogical(logical.bottomRight() - QPointF(1e-6, 1e-6), screens);
+    const QPointF topLeft = first ? onScreen(logical.topLeft(), *first, targetOf(*first)) : logical.topLeft();
+    const QPointF bottomRight = last ? onScreen(logical.bottomRight(), *last, targetOf(*last)) : logical.bottomRight();
+    const int left = int(std::floor(topLeft.x() + 1e-9));
+    const int top = int(std::floor(topLeft.y() + 1e-9));
+    const int right = int(std::ceil(bottomRight.x() - 1e-9));
+    const int bottom = int(std::ceil(bottomRight.y() - 1e-9));
+    return QRect(QPoint(left, top), QSize(right - left, bottom - top));
+}
+
 } // namespace
 
 QList<DesktopScreen> withoutCoveringScreens(const QList<DesktopScreen> &screens)
@@ -86,10 +119,7 @@ QPointF nativeToLogical(QPointF native, const QList<DesktopScreen> &screens)
 QPointF logicalToNative(QPointF logical, const QList<DesktopScreen> &screens)
 {
     const DesktopScreen *s = screenAtLogical(logical, screens);
-    if (!s)
-        return logical;
-    const QPointF origin = s->logical.topLeft();
-    return s->native.topLeft() + (logical - origin) * s->scale;
+    return s ? onScreen(logical, *s, nativeOf(*s)) : logical;
 }
 
 QRectF nativeToLogical(const QRectF &native, const QList<DesktopScreen> &screens)
@@ -105,15 +135,34 @@ QRectF nativeToLogical(const QRectF &native, const QList<DesktopScreen> &screens
 
 QRect logicalToNative(const QRectF &logical, const QList<DesktopScreen> &screens)
 {
-    const QPointF topLeft = logicalToNative(logical.topLeft(), screens);
-    const DesktopScreen *s = screenAtLogical(logical.bottomRight() - QPointF(1e-6, 1e-6), screens);
-    const QPointF bottomRight = s ? s->native.topLeft() + (logical.bottomRight() - QPointF(s->logical.topLeft())) * s->scale
-                                  : logical.bottomRight();
-    const int left = int(std::floor(topLeft.x() + 1e-9));
-    const int top = int(std::floor(topLeft.y() + 1e-9));
-    const int right = int(std::ceil(bottomRight.x() - 1e-9));
-    const int bottom = int(std::ceil(bottomRight.y() - 1e-9));
-    return QRect(QPoint(left, top), QSize(right - left, bottom - top));
+    return logicalTo(logical, screens, [](const DesktopScreen &s) { return nativeOf(s); });
+}
+
+QRect logicalToLayout(const QRectF &logical, const QList<DesktopScreen> &screens, double perUnit)
+{
+    return logicalTo(logical, screens, [perUnit](const DesktopScreen &s) {
+        const QRect layout = s.layoutRect();
+        const double perPoint = s.logical.width() > 0 ? double(layout.width()) / s.logical.width() : 1;
+        return Target{QPointF(layout.topLeft()) * perUnit, perPoint * perUnit};
+    });
+}
+
+QList<DesktopScreen> withCompositorLayout(QList<DesktopScreen> screens, const QList<CompositorOutput> &outputs)
+{
+    for (DesktopScreen &screen : screens) {
+        for (const CompositorOutput &output : outputs) {
+            if (output.name != screen.name || output.scale <= 0 || output.pixels.isEmpty())
+                continue;
+            const QSize points(qRound(output.pixels.width() / output.scale), qRound(output.pixels.height() / output.scale));
+            screen.logical = QRect(output.layout.topLeft(), points);
+            // Qt's work area is in the same mixed units; the compositor does not say, so the whole display.
+            screen.availableLogical = screen.logical;
+            screen.native = QRect(output.layout.topLeft(), output.pixels);
+            screen.scale = output.scale;
+            screen.layout = output.layout;
+        }
+    }
+    return screens;
 }
 
 Rect toGlobal(const QRectF &logical, const QRect &primary)
@@ -152,6 +201,19 @@ QRectF fromTopLeftGlobal(const Rect &topLeftGlobal, const QRect &primary)
 
 } // namespace desktopspace
 
+namespace {
+DesktopSpace::CompositorLayout &compositorLayout()
+{
+    static DesktopSpace::CompositorLayout layout;
+    return layout;
+}
+} // namespace
+
+void DesktopSpace::setCompositorLayout(CompositorLayout layout)
+{
+    compositorLayout() = std::move(layout);
+}
+
 DesktopSpace DesktopSpace::current()
 {
     QList<DesktopScreen> screens;
@@ -162,6 +224,10 @@ DesktopSpace DesktopSpace::current()
         const QSize nativeSize(qRound(logical.width() * scale), qRound(logical.height() * scale));
         screens.append({screen->name(), logical, screen->availableGeometry(), QRect(logical.topLeft(), nativeSize),
                         scale});
+    }
+    if (const CompositorLayout &layout = compositorLayout()) {
+        if (const std::optional<QList<CompositorOutput>> outputs = layout(screens))
+            screens = desktopspace::withCompositorLayout(std::move(screens), *outputs);
     }
     return DesktopSpace(desktopspace::withoutCoveringScreens(screens));
 }

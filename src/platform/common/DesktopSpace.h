@@ -8,6 +8,9 @@
 #include <QRectF>
 #include <QString>
 
+#include <functional>
+#include <optional>
+
 class QScreen;
 
 // One display as Qt lays it out. Qt's device-independent ("logical") space has its origin at the
@@ -22,6 +25,22 @@ struct DesktopScreen
     // In device pixels of the root window.
     QRect native;
     double scale = 1;
+    // Where the compositor's whole-desktop pictures show the display, in their layout units; empty
+    // where that is `logical`.
+    QRect layout;
+
+    QRect layoutRect() const { return layout.isEmpty() ? logical : layout; }
+};
+
+// One output as the compositor lays it out, for desktops whose own word must correct Qt's: Qt 6.4 on
+// GNOME gives a scaled monitor its layout position but its size in pixels. `layout` is in the units the
+// compositor's layout (and its screenshots) use: pixels or logical points, as the desktop chose.
+struct CompositorOutput
+{
+    QString name;
+    QRect layout;
+    double scale = 1;
+    QSize pixels;
 };
 
 // The conversions between the three spaces the desktop is seen in: device pixels of the root window
@@ -35,6 +54,10 @@ namespace desktopspace {
 // without repeats of an earlier display's rectangle. Order kept.
 QList<DesktopScreen> withoutCoveringScreens(const QList<DesktopScreen> &screens);
 
+// Qt's screens with each one the compositor reports taken from its report: its size in points is its
+// pixels over its scale, from its layout position. Screens it does not report stay as Qt has them.
+QList<DesktopScreen> withCompositorLayout(QList<DesktopScreen> screens, const QList<CompositorOutput> &outputs);
+
 // The display holding the point, else the nearest one; null for an empty list.
 const DesktopScreen *screenAtNative(QPointF native, const QList<DesktopScreen> &screens);
 const DesktopScreen *screenAtLogical(QPointF logical, const QList<DesktopScreen> &screens);
@@ -46,6 +69,8 @@ QPointF logicalToNative(QPointF logical, const QList<DesktopScreen> &screens);
 QRectF nativeToLogical(const QRectF &native, const QList<DesktopScreen> &screens);
 // Rounded outward to whole pixels.
 QRect logicalToNative(const QRectF &logical, const QList<DesktopScreen> &screens);
+// The same into the compositor's layout units, at `perUnit` pixels of a picture of the layout per unit.
+QRect logicalToLayout(const QRectF &logical, const QList<DesktopScreen> &screens, double perUnit);
 
 // Between Qt's logical space and the global bottom-left space; `primary` is the primary display's
 // logical rectangle.
@@ -64,7 +89,12 @@ QRectF fromTopLeftGlobal(const Rect &topLeftGlobal, const QRect &primary);
 class DesktopSpace final
 {
 public:
+    // The compositor's outputs for the screens Qt lists, or nothing where it cannot say.
+    using CompositorLayout = std::function<std::optional<QList<CompositorOutput>>(const QList<DesktopScreen> &qt)>;
+
     static DesktopSpace current();
+    // Installed once at start-up by the session, on desktops where Qt's screens need correcting.
+    static void setCompositorLayout(CompositorLayout layout);
     explicit DesktopSpace(QList<DesktopScreen> screens);
 
     const QList<DesktopScreen> &screens() const { return m_screens; }

@@ -4,14 +4,19 @@
 
 #include <canberra.h>
 
+#include <thread>
+
 using namespace Qt::StringLiterals;
 
 CanberraSoundPlayer::CanberraSoundPlayer(xcb_connection_t *connection) : m_connection(connection) {}
 
 CanberraSoundPlayer::~CanberraSoundPlayer()
 {
+    // Destroying a context waits for the sound it still plays, and a sound server that never takes the
+    // stream (PipeWire without its session manager) would hold up quitting for ever: the context goes on
+    // a thread of its own, which nothing waits for.
     if (m_context)
-        ca_context_destroy(m_context);
+        std::thread(ca_context_destroy, m_context).detach();
 }
 
 QString CanberraSoundPlayer::eventIDForName(const QString &name)

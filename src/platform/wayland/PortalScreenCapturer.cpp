@@ -80,10 +80,13 @@ void PortalScreenCapturer::captureDisplay(quint32 displayID, const Rect &sourceR
             if (screen.name != name)
                 continue;
             // At mixed scales the image has the highest one: a display of a lower scale is brought back
-            // to its own pixels.
-            const QRectF area = sourceRect.toQRectF().translated(screen.logical.topLeft());
+            // to its own pixels. Where the layout is in pixels, a point is several layout units.
+            const QRect place = screen.layoutRect();
+            const double perPoint = screen.logical.width() > 0 ? double(place.width()) / screen.logical.width() : 1;
+            const QRectF source = sourceRect.toQRectF();
+            const QRectF area(QPointF(place.topLeft()) + source.topLeft() * perPoint, source.size() * perPoint);
             const QRect part = imagePixels(area, layout.bounds, layout.image)
-                                   .intersected(imagePixels(screen.logical, layout.bounds, layout.image));
+                                   .intersected(imagePixels(place, layout.bounds, layout.image));
             QImage image = layout.image.copy(part);
             if (!image.isNull() && image.size() != outputSize)
                 image = image.scaled(outputSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
@@ -117,12 +120,15 @@ void PortalScreenCapturer::captureRect(const Rect &globalRect, ImageCompletion c
             return;
         }
         const QRectF area = desktopspace::fromTopLeftGlobal(globalRect, layout.screens.first().logical);
-        if (!area.intersects(layout.bounds)) {
+        const double perUnit = layout.image.width() / layout.bounds.width();
+        const QRect part = desktopspace::logicalToLayout(area, layout.screens, perUnit)
+                               .translated(-(layout.bounds.topLeft() * perUnit).toPoint());
+        if (!part.intersects(layout.image.rect())) {
             completion({}, u"the rectangle lies on no output"_s);
             return;
         }
         // What lies outside the layout is black, as in a copy of the outputs.
-        completion(layout.image.copy(imagePixels(area, layout.bounds, layout.image)), std::nullopt);
+        completion(layout.image.copy(part), std::nullopt);
     });
 }
 
@@ -163,7 +169,7 @@ void PortalScreenCapturer::answered(uint response, const QVariantMap &results, c
     layout.arrived = std::chrono::steady_clock::now();
     layout.screens = DesktopSpace::current().screens();
     for (const DesktopScreen &screen : std::as_const(layout.screens))
-        layout.bounds |= QRectF(screen.logical);
+        layout.bounds |= QRectF(screen.layoutRect());
     if (response == 0) {
         const QString uri = results.value(u"uri"_s).toString();
         const QImage image = takeFile(uri);

@@ -30,7 +30,7 @@ std::optional<QList<WindowList::Entry>> SwayWindowList::onScreenWindows() const
     if (m_socketPath.isEmpty()) {
         if (m_trace)
             m_trace(u"window list unavailable: this compositor gives applications no window rectangles "
-                    "(only sway's IPC does, and SWAYSOCK is not set)"_s);
+                    "(GNOME never does; sway does through its IPC, and SWAYSOCK is not set)"_s);
         return std::nullopt;
     }
     const std::optional<QByteArray> tree = swayipc::request(m_socketPath, swayipc::getTree, {}, replyTimeoutMs);
