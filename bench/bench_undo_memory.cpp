@@ -27,7 +27,8 @@ public:
     {
         qint64 bytes = block(overlays.constData(), overlays.capacity() * qsizetype(sizeof(Overlay)));
         for (const Overlay &overlay : overlays) {
-            bytes += block(overlay.points.constData(), overlay.points.capacity() * qsizetype(sizeof(QPointF)));
+            const QList<QPointF> &points = overlay.points.list();
+            bytes += block(points.constData(), points.capacity() * qsizetype(sizeof(QPointF)));
             bytes += block(overlay.text.constData(), overlay.text.capacity() * 2);
             bytes += block(overlay.fontFamily.constData(), overlay.fontFamily.capacity() * 2);
         }

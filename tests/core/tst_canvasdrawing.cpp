@@ -91,7 +91,7 @@ void CanvasDrawingTest::dragDrawsOneOverlayOfTheTool()
     QCOMPARE(overlay.type, tool);
     QCOMPARE(overlay.startPoint, QPointF(10, 250));
     QCOMPARE(overlay.endPoint, end);
-    QCOMPARE(overlay.points, points);
+    QCOMPARE(overlay.points.list(), points);
     QCOMPARE(f.model->undoStack(), QList<QList<Overlay>>(1)); // one step, back to nothing
     QVERIFY(!f.interaction().activeOverlay());
     QVERIFY(f.interaction().isDrawMode());
@@ -177,14 +177,14 @@ void CanvasDrawingTest::freehandTakesPointsFarEnoughApart()
     f.view.pointerMoved(f.at(2.4, 0)); // 1.4
     f.view.pointerMoved(f.at(2.5, 0)); // 1.5
     f.view.pointerMoved(f.at(3.5, 0)); // 1.0
-    QCOMPARE(f.interaction().activeOverlay()->points, (QList<QPointF>{{0, 0}, {1, 0}, {2.5, 0}}));
+    QCOMPARE(f.interaction().activeOverlay()->points.list(), (QList<QPointF>{{0, 0}, {1, 0}, {2.5, 0}}));
     QCOMPARE(f.interaction().activeOverlay()->endPoint, QPointF(3.5, 0));
     // At the end 1.0 is enough.
     f.view.pointerReleased(f.at(3.5, 0));
-    QCOMPARE(f.model->overlays().first().points, (QList<QPointF>{{0, 0}, {1, 0}, {2.5, 0}, {3.5, 0}}));
+    QCOMPARE(f.model->overlays().first().points.list(), (QList<QPointF>{{0, 0}, {1, 0}, {2.5, 0}, {3.5, 0}}));
 
     f.drag({f.at(50, 50), f.at(60, 50), f.at(60.9, 50)});
-    QCOMPARE(f.model->overlays().last().points, (QList<QPointF>{{50, 50}, {60, 50}}));
+    QCOMPARE(f.model->overlays().last().points.list(), (QList<QPointF>{{50, 50}, {60, 50}}));
 }
 
 void CanvasDrawingTest::canvasShowsWhatIsSaved_data()

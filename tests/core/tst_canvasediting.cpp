@@ -224,7 +224,7 @@ void CanvasEditingTest::freehandNeverResizes()
     f.systemLog.clear();
     f.drag({f.at(100, 100), f.at(110, 90)});
     const Overlay moved = f.model->overlays().first();
-    QCOMPARE(moved.points, (QList<QPointF>{{110, 90}, {160, 90}, {210, 140}}));
+    QCOMPARE(moved.points.list(), (QList<QPointF>{{110, 90}, {160, 90}, {210, 140}}));
     QCOMPARE(moved.startPoint, stroke.startPoint + QPointF(10, -10));
     QVERIFY(f.systemLog.messages().contains(u"Vistrel: dragStart foundCorner=0"_s));
     QVERIFY(f.systemLog.messages().contains(u"Vistrel: moving (no corner detected)"_s));

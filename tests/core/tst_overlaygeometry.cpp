@@ -59,6 +59,16 @@ void OverlayGeometryTest::normalisedRect_data()
         << make(EditorTool::Freehand, {0, 0}, {0, 0}, {{3, 4}, {13, 4}}) << Rect(3, 4, 10, 1);
     QTest::newRow("freehand without points falls back to start and end")
         << make(EditorTool::Freehand, {4, 4}, {1, 2}) << Rect(1, 2, 3, 2);
+    // The box follows the stroke as it is drawn and moved, without walking its points again.
+    Overlay grown = make(EditorTool::Freehand, {0, 0}, {0, 0});
+    for (QPointF point : {QPointF(50, 50), QPointF(60, 70), QPointF(45, 55)})
+        grown.points.append(point);
+    QTest::newRow("freehand grown from no points") << grown << Rect(45, 50, 15, 20);
+    Overlay moved = make(EditorTool::Freehand, {0, 0}, {0, 0}, {{10, 30}, {40, 20}, {25, 60}});
+    moved.points.translate({-15, 7});
+    QTest::newRow("freehand moved") << moved << Rect(-5, 27, 30, 40);
+    moved.points.append({50, 0});
+    QTest::newRow("freehand moved, then grown") << moved << Rect(-5, 0, 55, 67);
 }
 
 void OverlayGeometryTest::normalisedRect()

@@ -33,8 +33,7 @@ Overlay movedOverlay(const Overlay &overlay, double dx, double dy)
     Overlay moved = overlay;
     moved.startPoint += offset;
     moved.endPoint += offset;
-    for (QPointF &point : moved.points)
-        point += offset;
+    moved.points.translate(offset);
     return moved;
 }
 

@@ -16,14 +16,15 @@ namespace {
 // Edge smoothing reaches a device pixel past a shape; two view points cover it at any pixel ratio of 1 or more.
 constexpr double smoothingMargin = 2;
 
-// The overlays as the canvas draws them, with where each can paint.
+// The overlays as the canvas draws them, with where each can paint (a frame's inside left out).
 struct PlacedOverlay
 {
     Overlay overlay;
-    QRectF area;
+    QRegion reach;
 };
 
-void paintArea(QPainter &painter, const ImageEditorView &view, const QRectF &area, const QList<PlacedOverlay> &overlays)
+void paintArea(QPainter &painter, const ImageEditorView &view, const QRect &area, const QList<PlacedOverlay> &overlays,
+               const QList<ImageEditorView::Handle> &handles)
 {
     const EditorViewport &viewport = view.viewport();
     const QImage &image = view.model().image();
@@ -31,16 +32,16 @@ void paintArea(QPainter &painter, const ImageEditorView &view, const QRectF &are
     painter.setClipRect(area, Qt::IntersectClip);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform | QPainter::TextAntialiasing);
     painter.fillRect(area, ImageEditorView::canvasBackground);
-    if (const QRectF frame = viewport.imageFrameInCanvas(); frame.intersects(area))
+    if (const QRectF frame = viewport.imageFrameInCanvas(); frame.intersects(QRectF(area)))
         painter.drawImage(frame, image, QRectF(image.rect()));
     painter.save();
     painter.setTransform(viewport.imageToViewTransform(), true);
     for (const PlacedOverlay &placed : overlays) {
-        if (placed.area.intersects(area))
+        if (placed.reach.intersects(area))
             overlaypainter::drawOverlay(painter, placed.overlay, image);
     }
     painter.restore();
-    for (const ImageEditorView::Handle &handle : view.handles()) {
+    for (const ImageEditorView::Handle &handle : handles) {
         painter.setPen(QPen(handle.outline, handle.outlineWidth));
         painter.setBrush(handle.fill);
         painter.drawEllipse(handle.center, handle.diameter / 2, handle.diameter / 2);
@@ -125,16 +126,19 @@ void paintCanvas(QPainter &painter, const ImageEditorView &view, const QRegion &
     if (area.isEmpty())
         return;
     QList<PlacedOverlay> overlays;
-    for (Overlay overlay : view.model().overlays()) {
+    for (const Overlay &overlay : view.model().overlays()) {
+        const QRegion reach = overlayPaintRegion(viewport, overlay);
+        if (!area.intersects(reach))
+            continue;
+        overlays.append({overlay, reach});
         if (overlay.type == EditorTool::Text)
-            overlay.text.clear();
-        if (QRectF reach = overlayPaintArea(viewport, overlay); area.intersects(reach.toAlignedRect()))
-            overlays.append({std::move(overlay), reach});
+            overlays.last().overlay.text.clear();
     }
     if (const std::optional<Overlay> &active = view.interaction().activeOverlay())
-        overlays.append({*active, overlayPaintArea(viewport, *active)});
+        overlays.append({*active, overlayPaintRegion(viewport, *active)});
+    const QList<ImageEditorView::Handle> handles = view.handles();
     for (const QRect &rect : area)
-        paintArea(painter, view, rect, overlays);
+        paintArea(painter, view, rect, overlays, handles);
 }
 
 } // namespace editorcanvas

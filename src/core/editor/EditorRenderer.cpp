@@ -25,7 +25,7 @@ bool isFinite(QPointF p)
 bool isDrawable(const Overlay &overlay)
 {
     return isFinite(overlay.startPoint) && isFinite(overlay.endPoint)
-           && std::all_of(overlay.points.cbegin(), overlay.points.cend(), [](QPointF p) { return isFinite(p); });
+           && std::all_of(overlay.points.begin(), overlay.points.end(), [](QPointF p) { return isFinite(p); });
 }
 
 } // namespace

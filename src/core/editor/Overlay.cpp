@@ -1,7 +1,5 @@
 #include "editor/Overlay.h"
 
-#include "editor/OverlayGeometry.h"
-
 Overlay::Overlay(EditorTool type, QPointF startPoint, QPointF endPoint, const QColor &color, const QString &text,
                  const QColor &textFillColor)
     : id(QUuid::createUuid())
@@ -17,7 +15,7 @@ Overlay::Overlay(EditorTool type, QPointF startPoint, QPointF endPoint, const QC
 Rect Overlay::rect() const
 {
     if (type == EditorTool::Freehand && !points.isEmpty())
-        return overlaygeometry::boundsOfPoints({points.constData(), size_t(points.size())});
+        return points.bounds();
     return Rect::fromCorners(startPoint, endPoint);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editor/EditorTool.h"
+#include "editor/StrokePoints.h"
 #include "geometry/Rect.h"
 
 #include <QColor>
@@ -29,7 +30,7 @@ struct Overlay
     QString fontFamily = defaultFontFamily;
     double fontSize = defaultFontSize;
     // The stroke of a freehand overlay; empty for the other tools.
-    QList<QPointF> points;
+    StrokePoints points;
 
     Overlay() = default;
     // A new overlay with a fresh id. The caller supplies the text fill colour (new overlays take the

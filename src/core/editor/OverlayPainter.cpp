@@ -49,7 +49,7 @@ void drawOverlay(QPainter &painter, const Overlay &overlay, const QImage &source
         drawArrow(painter, overlay.startPoint, overlay.endPoint, overlay.color);
         break;
     case EditorTool::Freehand:
-        drawFreehand(painter, overlay.points, overlay.color);
+        drawFreehand(painter, overlay.points.list(), overlay.color);
         break;
     case EditorTool::Mosaic:
         drawMosaic(painter, overlay.rect(), sourceImage);
@@ -110,10 +110,13 @@ void drawFreehand(QPainter &painter, const QList<QPointF> &points, const QColor 
     QRect within;
     if (painter.hasClipping()) {
         within = toDevice.mapRect(painter.clipBoundingRect()).toAlignedRect().adjusted(-1, -1, 1, 1);
+        // As far as the rasteriser looks: a clip beyond it leaves nothing to draw, which must not fall
+        // through to the general stroker below.
+        const double grow = width / 2 + 1;
         const QRectF reach = overlaygeometry::boundsOfPoints({devicePoints.constData(), size_t(devicePoints.size())})
                                  .toQRectF()
-                                 .adjusted(-width, -width, width, width);
-        if (!reach.intersects(within))
+                                 .adjusted(-grow, -grow, grow, grow);
+        if (!reach.intersects(QRectF(within)))
             return;
     }
     painter.save();
