@@ -4,6 +4,8 @@
 #include <QGuiApplication>
 #include <QMimeData>
 
+using namespace Qt::StringLiterals;
+
 void QtPasteboard::clearContents()
 {
     QGuiApplication::clipboard()->clear(QClipboard::Clipboard);
@@ -14,7 +16,23 @@ bool QtPasteboard::writeImage(const QImage &image)
     if (image.isNull())
         return false;
     // Qt reports no failure of its own; the image is served from here on request.
-    QGuiApplication::clipboard()->setImage(image, QClipboard::Clipboard);
+    auto *data = new QMimeData;
+    data->setImageData(image);
+    QGuiApplication::clipboard()->setMimeData(data, QClipboard::Clipboard);
+    m_offeredImage = data;
+    return true;
+}
+
+bool QtPasteboard::replaceImageWithPng(const QByteArray &png)
+{
+    QClipboard *clipboard = QGuiApplication::clipboard();
+    // Another owner's content, or none, is no longer what was offered.
+    if (png.isEmpty() || !m_offeredImage || clipboard->mimeData(QClipboard::Clipboard) != m_offeredImage)
+        return false;
+    auto *data = new QMimeData;
+    data->setData(u"image/png"_s, png);
+    clipboard->setMimeData(data, QClipboard::Clipboard);
+    m_offeredImage.clear();
     return true;
 }
 

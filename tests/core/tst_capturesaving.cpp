@@ -116,12 +116,14 @@ void CaptureSavingTest::symbolicLinksInTheFolderAreResolved()
 void CaptureSavingTest::completeCaptureRunsInOrder()
 {
     CaptureFixture f;
+    f.pngWriter.writesWithQt = true;
     const QImage image = FakeScreenCapturer::filled(QSize(200, 100));
     f.saver.completeCapture(image, QSizeF(100, 50));
     QCOMPARE(f.journal, (QStringList{u"sound.file:" + CaptureSaver::shutterSoundPath, u"pasteboard.clearContents"_s,
                                      u"pasteboard.writeImage"_s}));
     QVERIFY(f.pngWriter.paths.isEmpty()); // saving waits for the worker
     QCOMPARE(f.scheduler.pendingBackgroundTasks(), 1);
+    QCOMPARE(f.pasteboard.contents.first().deviceIndependentSize(), QSizeF(100, 50));
 
     f.scheduler.runBackgroundTasks();
     const QString path = QFileInfo(f.saveFolder.path()).canonicalFilePath() + u"/Vistrel_2024-05-01_13-07-42.png"_s;
@@ -133,10 +135,14 @@ void CaptureSavingTest::completeCaptureRunsInOrder()
     // One set of pixels everywhere; the clipboard and the editor see it at its on-screen size.
     const QImage offered = f.editor.images.first();
     QCOMPARE(offered.deviceIndependentSize(), QSizeF(100, 50));
-    QCOMPARE(f.pasteboard.contents.first().deviceIndependentSize(), QSizeF(100, 50));
     QCOMPARE(offered.constBits(), image.constBits());
     QCOMPARE(f.pngWriter.images.first().constBits(), image.constBits());
     QCOMPARE(f.pngWriter.images.first().size(), QSize(200, 100));
+    // Once saved, the clipboard offers the file's own bytes and keeps no frame.
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(f.pasteboard.png, file.readAll());
+    QVERIFY(f.pasteboard.contents.isEmpty());
 }
 
 void CaptureSavingTest::shutterSound_data()

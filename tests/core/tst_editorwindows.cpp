@@ -4,6 +4,7 @@
 #include "platform/NullEditorWindowFactory.h"
 #include "platform/NullOpenPanel.h"
 
+#include <QFile>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
@@ -32,6 +33,8 @@ class EditorWindowsTest : public QObject
 
 private slots:
     void notificationCarriesTheEditInvitation();
+    void clickReadsTheSavedFile_data();
+    void clickReadsTheSavedFile();
     void failedNotificationOpensTheEditorDirectly();
     void directOpening_data();
     void directOpening();
@@ -50,7 +53,7 @@ void EditorWindowsTest::notificationCarriesTheEditInvitation()
     EditorManagerFixture f;
     f.handOff(EditorManagerFixture::picture(), shotA);
     const QImage second = EditorManagerFixture::picture(20, 20, Qt::blue);
-    f.handOff(second, shotB);
+    f.handOff(second, f.saved(second));
 
     QCOMPARE(f.notifier.requests.size(), 2);
     const UserNotifier::Request request = f.notifier.requests.first();
@@ -75,11 +78,52 @@ void EditorWindowsTest::notificationCarriesTheEditInvitation()
     QCOMPARE(f.application.activateCount, 1);
 }
 
+void EditorWindowsTest::clickReadsTheSavedFile_data()
+{
+    QTest::addColumn<bool>("deleted");
+    QTest::addColumn<bool>("inNewWindow");
+    QTest::newRow("the file as saved, at its on-screen size") << false << false;
+    QTest::newRow("the same in an extra window") << false << true;
+    QTest::newRow("deleted since: said, and nothing opens") << true << false;
+}
+
+// Between the capture and the click only the saved file is kept, not the frame.
+void EditorWindowsTest::clickReadsTheSavedFile()
+{
+    QFETCH(bool, deleted);
+    QFETCH(bool, inNewWindow);
+    EditorManagerFixture f;
+    QImage frame = EditorManagerFixture::picture(64, 48, Qt::magenta);
+    frame.setPixel(3, 2, qRgb(1, 2, 3));
+    const QUrl url = f.saved(frame);
+    frame.setDevicePixelRatio(2);
+    f.handOff(frame, url);
+    QVERIFY(frame.isDetached());
+    if (deleted)
+        QVERIFY(QFile::remove(url.toLocalFile()));
+
+    f.manager.openEditor(inNewWindow);
+    if (deleted) {
+        QVERIFY(f.windows.windows.isEmpty());
+        QCOMPARE(f.alerts.alerts, (QList<QPair<QString, QString>>{
+                                      {u"画像を開けませんでした"_s, u"対応している画像ファイルを選択してください。"_s}}));
+        QCOMPARE(f.diagnostics.lines(), QStringList{u"openImageFile failed url="_s + url.toString()
+                                                    + u" error=No such file or directory"_s});
+        return;
+    }
+    FakeEditorWindow *window = inNewWindow ? f.lastWindow() : f.primary();
+    QVERIFY(window && window->isVisible);
+    const QImage shown = window->contentAs<ImageEditorView>()->model().image();
+    QCOMPARE(shown, frame);
+    QCOMPARE(shown.deviceIndependentSize(), QSizeF(32, 24));
+    QCOMPARE(f.manager.detachedEditorWindows().size(), inNewWindow ? 1 : 0);
+}
+
 void EditorWindowsTest::failedNotificationOpensTheEditorDirectly()
 {
     EditorManagerFixture f;
     const QImage image = EditorManagerFixture::picture(64, 48);
-    f.handOff(image, shotA);
+    f.handOff(image, f.saved(image));
     f.notifier.pendingAdds.first()(u"Notifications are not allowed"_s);
     f.scheduler.runUntilIdle();
     QCOMPARE(f.systemLog.messages(),
@@ -213,7 +257,7 @@ void EditorWindowsTest::detachedWindowsAreForgottenWhenTheyClose()
 void EditorWindowsTest::primaryWindowClosesAndIsMadeAgain()
 {
     EditorManagerFixture f;
-    f.handOff(EditorManagerFixture::picture(), shotA);
+    f.handOff(EditorManagerFixture::picture(), f.saved(EditorManagerFixture::picture()));
     f.manager.openEditor(false);
     FakeEditorWindow *first = f.primary();
     first->contentAs<ImageEditorView>()->cancel();

@@ -9,6 +9,7 @@
 #include "output/ImageWriter.h"
 
 #include <QDirIterator>
+#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
@@ -130,11 +131,12 @@ void ImageWriterTest::troubleLeavesNothingAndTheNextWritePasses()
     SaveTrouble cause(trouble, f.root);
     if (!cause.skipReason.isEmpty())
         QSKIP(qPrintable(cause.skipReason));
-    const ImageWriter::Request request{SaveTrouble::incompressible(), cause.folder, u"a.png"_s, markedTexts};
+    const ImageWriter::Request request{SaveTrouble::incompressible(), cause.folder, u"a.png"_s, markedTexts, true};
 
     ImageWriter::Outcome outcome = f.writer->write(request);
     QVERIFY(outcome.failure);
     QCOMPARE(outcome.failure->kind, Kind::CannotWrite);
+    QVERIFY(outcome.fileBytes.isEmpty());
     for (QDirIterator it(f.root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); it.hasNext();)
         QFAIL(qPrintable(u"left behind: "_s + it.next()));
 
@@ -142,6 +144,9 @@ void ImageWriterTest::troubleLeavesNothingAndTheNextWritePasses()
     outcome = f.writer->write(request);
     QVERIFY(!outcome.failure);
     QCOMPARE(QImage(outcome.filePath).convertToFormat(QImage::Format_RGB32), request.image);
+    QFile file(outcome.filePath);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(outcome.fileBytes, file.readAll());
 }
 
 // The file is written on the worker and the outcome comes back on the main thread; when its writer is

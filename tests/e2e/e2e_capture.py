@@ -50,6 +50,10 @@ if start_selection():
         if clip is not None:
             problem = differs(saved, clip)
             check(problem is None, f"the clipboard's image/png differs from the saved file: {problem}")
+        with open(path, "rb") as written:
+            file_bytes = written.read()
+        check(wait_until(lambda: clipboard_bytes() == file_bytes, 5),
+              "once saved, the clipboard does not serve the saved file's bytes")
         first_capture = path
     for line in ["hotkey captured kind=selection", "startSelection accepted",
                  "frozen displays captured count=1 via ScreenCaptureKit",

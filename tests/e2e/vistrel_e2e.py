@@ -194,10 +194,15 @@ def shows_desktop(path, crop, label):
     return True
 
 
+def clipboard_bytes():
+    return subprocess.run(["xclip", "-selection", "clipboard", "-t", "image/png", "-o"], capture_output=True,
+                          timeout=10).stdout
+
+
 def clipboard_png():
     path = os.path.join(SESSION, "clipboard.png")
     with open(path, "wb") as out:
-        subprocess.run(["xclip", "-selection", "clipboard", "-t", "image/png", "-o"], stdout=out, timeout=10)
+        out.write(clipboard_bytes())
     try:
         return Image.open(path)
     except Exception as error:  # noqa: BLE001 - whatever xclip gave is reported

@@ -15,6 +15,7 @@ public:
     void clearContents() override
     {
         contents.clear();
+        png.clear();
         if (m_journal)
             m_journal->append(QStringLiteral("pasteboard.clearContents"));
     }
@@ -24,6 +25,15 @@ public:
         ++writeCount;
         if (m_journal)
             m_journal->append(QStringLiteral("pasteboard.writeImage"));
+        return true;
+    }
+
+    bool replaceImageWithPng(const QByteArray &bytes) override
+    {
+        if (bytes.isEmpty() || contents.isEmpty() || !png.isEmpty())
+            return false;
+        contents.clear();
+        png = bytes;
         return true;
     }
 
@@ -45,6 +55,8 @@ public:
     }
 
     QList<QImage> contents;
+    // What replaced the image offered last.
+    QByteArray png;
     // What the clipboard offers to readers: an image the system decodes, and raw data by type.
     std::optional<QImage> image;
     QList<std::pair<QString, QByteArray>> data;

@@ -7,7 +7,7 @@
 #include <QStringList>
 
 // Records the paths it was given and fails when told to; writes nothing unless given a real writer
-// to pass the images on to.
+// to pass the images on to, or told to write with Qt's own encoder.
 class FakePngWriter final : public PngWriter
 {
 public:
@@ -19,11 +19,14 @@ public:
         images.append(image);
         if (!failure && writer)
             return writer->writeFile(image, path);
+        if (!failure && writesWithQt)
+            image.save(path, "PNG");
         return failure;
     }
 
     std::optional<Failure> failure;
     const PngWriter *writer = nullptr;
+    bool writesWithQt = false;
     mutable QStringList paths;
     mutable QList<QImage> images;
 

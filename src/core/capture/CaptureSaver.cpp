@@ -6,6 +6,7 @@
 #include "output/FileNaming.h"
 #include "platform/Clock.h"
 #include "platform/DiagnosticsLog.h"
+#include "platform/Pasteboard.h"
 #include "platform/SoundPlayer.h"
 #include "settings/AppSettings.h"
 
@@ -63,6 +64,8 @@ void CaptureSaver::completeCapture(const QImage &image, QSizeF logicalSize)
                                [this, shown](const ImageWriter::Outcome &outcome) {
                                    if (outcome.failure)
                                        return;
+                                   // From here the clipboard serves the file's bytes, not the frame.
+                                   m_services.pasteboard.replaceImageWithPng(outcome.fileBytes);
                                    m_services.diagnostics.write(u"capture saved and scheduleEditNotification"_s);
                                    if (m_editorHandOff)
                                        m_editorHandOff->scheduleEditNotification(
@@ -97,5 +100,6 @@ QString CaptureSaver::makeFileName(const SaveSettings &settings) const
 
 ImageWriter::Request CaptureSaver::saveRequest(const QImage &image, const SaveSettings &settings) const
 {
-    return {image, filenaming::resolvedFolderPath(settings.saveFolderPath), makeFileName(settings), captureTexts()};
+    return {image, filenaming::resolvedFolderPath(settings.saveFolderPath), makeFileName(settings), captureTexts(),
+            true};
 }

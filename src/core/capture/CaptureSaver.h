@@ -10,8 +10,9 @@ class EditorHandOff;
 struct CaptureServices;
 
 // What happens to a captured image: the shutter sound and the clipboard at once, the PNG file through
-// the image writer on a worker thread, then the hand-off to the editor back on the main thread. Owned
-// by the capture controller; main thread.
+// the image writer on a worker thread, then, back on the main thread, the file's bytes in the
+// clipboard in place of the frame and the hand-off to the editor. Owned by the capture controller;
+// main thread.
 class CaptureSaver final
 {
 public:

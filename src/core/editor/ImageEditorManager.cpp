@@ -13,6 +13,7 @@
 #include "settings/AppSettings.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -37,17 +38,21 @@ void ImageEditorManager::prepareEditor(const QImage &image, const std::optional<
 {
     m_model = std::make_shared<ImageEditorModel>(image, m_services.store);
     m_sourceFileURL = sourceURL;
+    m_savedCapture.reset();
 }
 
 void ImageEditorManager::scheduleEditNotification(const QImage &image, const QUrl &sourceURL)
 {
-    prepareEditor(image, sourceURL);
     const AppSettings &settings = m_services.settings;
     if (!settings.openEditorViaNotification()) {
+        prepareEditor(image, sourceURL);
         const bool openInNew = settings.keepExistingEditorWindowOnAutoOpen() && m_editorWindow;
         m_services.scheduler.postToMain([this, openInNew] { showEditorWindow(openInNew); });
         return;
     }
+    m_model.reset();
+    m_sourceFileURL = sourceURL;
+    m_savedCapture = SavedCapture{sourceURL, image.devicePixelRatio(), image.colorSpace()};
 
     UserNotifier::Request request;
     request.identifier = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
@@ -70,10 +75,25 @@ void ImageEditorManager::scheduleEditNotification(const QImage &image, const QUr
     });
 }
 
+void ImageEditorManager::openEditor(bool openInNewWindow)
+{
+    if (const std::optional<SavedCapture> saved = std::exchange(m_savedCapture, std::nullopt)) {
+        // Moved or deleted since: the alert says so, and the launcher is not offered in its place.
+        std::optional<QImage> image = m_sources.loadImageFile(saved->url);
+        if (!image)
+            return;
+        image->setDevicePixelRatio(saved->devicePixelRatio);
+        image->setColorSpace(saved->colorSpace);
+        prepareEditor(*image, saved->url);
+    }
+    showEditorWindow(openInNewWindow);
+}
+
 void ImageEditorManager::openEditorLauncher()
 {
     m_model.reset();
     m_sourceFileURL.reset();
+    m_savedCapture.reset();
     showEditorWindow(false);
 }
 

@@ -7,6 +7,7 @@
 #include "editor/ImageEditorServices.h"
 #include "platform/EditorWindow.h"
 
+#include <QColorSpace>
 #include <QHash>
 #include <QImage>
 #include <QSizeF>
@@ -21,8 +22,9 @@ class ImageEditorModel;
 // The one owner of the editor windows. It takes a picture (a fresh capture, a chosen file, the
 // clipboard), prepares its document, decides whether it opens at once or after the user clicks a
 // notification, and whether it replaces what the primary window shows or opens an extra window; and
-// it saves the edited result. Main thread only; notification replies and the outcomes of saves are
-// posted back to it.
+// it saves the edited result. A capture waiting for the click is kept as its saved file only and read
+// again on the click, so no frame stays in memory between captures. Main thread only; notification
+// replies and the outcomes of saves are posted back to it.
 class ImageEditorManager final : public EditorCommands, public EditorHandOff
 {
 public:
@@ -44,12 +46,20 @@ public:
     QList<EditorWindow *> detachedEditorWindows() const;
 
     void scheduleEditNotification(const QImage &image, const QUrl &sourceURL) override;
-    void openEditor(bool openInNewWindow) override { showEditorWindow(openInNewWindow); }
+    void openEditor(bool openInNewWindow) override;
     void openEditorLauncher() override;
     // Shows the picture of the file in the primary window; an alert when it cannot be read.
     void openImageFile(const QUrl &url);
 
 private:
+    // A saved capture that waits for the notification's click, with what its file does not hold.
+    struct SavedCapture
+    {
+        QUrl url;
+        qreal devicePixelRatio = 1;
+        QColorSpace colorSpace;
+    };
+
     // A new document for the next showing; shows nothing.
     void prepareEditor(const QImage &image, const std::optional<QUrl> &sourceURL);
     void showEditorWindow(bool openInNewWindow);
@@ -78,6 +88,7 @@ private:
     std::weak_ptr<ImageEditorView> m_primaryView;
     std::shared_ptr<ImageEditorModel> m_model;
     std::optional<QUrl> m_sourceFileURL;
+    std::optional<SavedCapture> m_savedCapture;
     QHash<QUuid, std::shared_ptr<EditorWindow>> m_detachedEditorWindows;
     QHash<QUuid, EditorWindow::ObserverToken> m_detachedWindowCloseObservers;
 };

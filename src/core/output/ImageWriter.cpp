@@ -106,6 +106,8 @@ ImageWriter::Outcome ImageWriter::perform(const Services &services, const Reques
     }
 
     if (!outcome.failure) {
+        if (QFile file(outcome.filePath); request.readsBack && file.open(QIODevice::ReadOnly))
+            outcome.fileBytes = file.readAll();
         if (!request.texts.written.isEmpty())
             services.diagnostics.write(filledIn(request.texts.written, outcome.filePath, {}));
         return outcome;

@@ -54,6 +54,8 @@ public:
         QString folder;
         QString fileName;
         Texts texts;
+        // Hands the written file's bytes back in the outcome, read on the writing thread.
+        bool readsBack = false;
     };
 
     struct Outcome
@@ -61,6 +63,8 @@ public:
         QString filePath;
         // Empty when the file was written.
         std::optional<Failure> failure;
+        // The file as written, when the request asked for it and it could be read back.
+        QByteArray fileBytes;
     };
     using Completion = std::function<void(const Outcome &outcome)>;
 

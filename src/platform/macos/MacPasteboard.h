@@ -12,6 +12,8 @@ class MacPasteboard final : public Pasteboard
 public:
     void clearContents() override;
     bool writeImage(const QImage &image) override;
+    // The pasteboard server holds what was written; this process keeps no image to let go.
+    bool replaceImageWithPng(const QByteArray &) override { return false; }
 
     std::optional<QImage> readImage() const override { return m_reads.readImage(); }
     QStringList availableTypes() const override { return m_reads.availableTypes(); }

@@ -170,6 +170,14 @@ bool WaylandClipboard::writeImage(const QImage &image)
     return true;
 }
 
+bool WaylandClipboard::replaceImageWithPng(const QByteArray &png)
+{
+    if (png.isEmpty() || !m_source || !m_served || !m_served->isReady)
+        return false;
+    m_served->png = png;
+    return true;
+}
+
 void WaylandClipboard::encoded(Served &served, QByteArray png)
 {
     served.png = std::move(png);

@@ -35,6 +35,8 @@ public:
 
     void clearContents() override;
     bool writeImage(const QImage &image) override;
+    // Holds no decoded image: the saved file's bytes only take the place of its own PNG once that is made.
+    bool replaceImageWithPng(const QByteArray &png) override;
     std::optional<QImage> readImage() const override;
     QStringList availableTypes() const override;
     std::optional<QByteArray> readData(const QString &mimeType) const override;

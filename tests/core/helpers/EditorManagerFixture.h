@@ -80,12 +80,19 @@ struct EditorManagerFixture
         scheduler.runUntilIdle();
     }
 
+    // The picture saved as a capture is, in the capture folder; the click on its notification reads it.
+    QUrl saved(const QImage &image, const QString &name = QStringLiteral("capture.png"))
+    {
+        const QString path = captureFolder.filePath(name);
+        image.save(path, "PNG");
+        return QUrl::fromLocalFile(path);
+    }
+
     // A capture handed over and opened by a click on its notification.
     void openCapture(const QImage &image, bool inNewWindow = false)
     {
         settings.setOpenEditorViaNotification(true);
-        const QUrl source = QUrl::fromLocalFile(captureFolder.filePath(QStringLiteral("capture.png")));
-        manager.scheduleEditNotification(image, source);
+        manager.scheduleEditNotification(image, saved(image));
         manager.openEditor(inNewWindow);
     }
 
