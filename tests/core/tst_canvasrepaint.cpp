@@ -106,11 +106,16 @@ void CanvasRepaintTest::partialRepaintsShowWhatAFullRepaintShows()
     paintFrame(screen, f.view, ratio, std::nullopt);
     f.view.pointerPressed(f.at(path.first().x(), path.first().y()));
     int repaints = 0;
+    bool isDragging = true;
     // Connected for this scope only, however the test leaves it.
     QObject repainting;
     connect(&f.view, &ImageEditorView::changed, &repainting, [&](ImageEditorView::Parts parts) {
         if (!(parts & (ImageEditorView::Part::CanvasPaint | ImageEditorView::Part::CanvasContent)))
             return;
+        // The text fields are laid out again only while a text box moves under them.
+        if (isDragging)
+            QCOMPARE(bool(parts & ImageEditorView::Part::CanvasContent),
+                     tool == EditorTool::Text && gesture != u"draw"_s);
         QVERIFY(!(parts & ImageEditorView::Part::CanvasGeometry));
         QVERIFY(f.view.canvasDamage());
         paintFrame(screen, f.view, ratio, f.view.canvasDamage());
@@ -126,6 +131,7 @@ void CanvasRepaintTest::partialRepaintsShowWhatAFullRepaintShows()
         QVERIFY(showsAsFresh());
     }
     QCOMPARE(repaints, path.size() - 1);
+    isDragging = false;
     // The release adds the drawing or closes the edit; undo and redo take it back and forth.
     // A little off the last motion, as a release event may be.
     f.view.pointerReleased(f.at(path.last().x() + 4, path.last().y() - 3));

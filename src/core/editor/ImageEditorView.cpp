@@ -58,8 +58,11 @@ void ImageEditorView::interactionChanged(CanvasInteraction::Changes changes)
     Parts parts;
     if (changes & Change::Drawing)
         parts |= Part::CanvasPaint;
-    if (changes & Change::Dragging)
-        parts |= Part::CanvasContent;
+    // The fields follow a text box being dragged; other drags leave every field where it is.
+    if (changes & Change::Dragging) {
+        const std::optional<Overlay> dragged = m_interaction.selectedOverlay();
+        parts |= dragged && dragged->type == EditorTool::Text ? Part::CanvasContent : Part::CanvasPaint;
+    }
     // Handles on the canvas; delete and the selected box's font in the toolbar.
     if (changes & Change::Selection)
         parts |= Part::CanvasPaint | Part::Toolbar;

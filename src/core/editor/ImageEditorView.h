@@ -61,7 +61,7 @@ public:
     };
 
     enum class Part {
-        // The document or a drag under way: the canvas's text fields and painting follow.
+        // The document or the drag of a text box: the canvas's text fields and painting follow.
         CanvasContent = 0x1,
         // Only the painting: the overlay being drawn, the handles of the selection.
         CanvasPaint = 0x2,
