@@ -29,9 +29,10 @@ bool QtPasteboard::replaceImageWithPng(const QByteArray &png)
     // Another owner's content, or none, is no longer what was offered.
     if (png.isEmpty() || !m_offeredImage || clipboard->mimeData(QClipboard::Clipboard) != m_offeredImage)
         return false;
-    auto *data = new QMimeData;
-    data->setData(u"image/png"_s, png);
-    clipboard->setMimeData(data, QClipboard::Clipboard);
+    // The offer stays the same one, its content changed in place: offering anew would need the
+    // keyboard focus on GNOME, which took the first offer while the overlay had it, and ours is gone.
+    m_offeredImage->removeFormat(u"application/x-qt-image"_s);
+    m_offeredImage->setData(u"image/png"_s, png);
     m_offeredImage.clear();
     return true;
 }

@@ -94,14 +94,10 @@ void CaptureExecutionTest::frozenImageIsUsedWithoutWaiting()
     CaptureFixture f({primary});
     f.showOverlay();
     f.drag(0, QPointF(10, 20), QPointF(110, 70));
-    QVERIFY(f.state.isCapturing());
+    // Done within the release itself, before the overlay has left (the clipboard needs it focused on GNOME).
+    QCOMPARE(f.pasteboard.contents.first().size(), QSize(200, 100));
     QVERIFY(!f.state.isSelecting());
     QVERIFY(!f.window(0)->isVisible);
-    // Kept until the finish step has used them.
-    QCOMPARE(f.state.frozenDisplaySnapshots.size(), 1);
-
-    f.scheduler.runUntilIdle();
-    QCOMPARE(f.pasteboard.contents.first().size(), QSize(200, 100));
     QVERIFY(!f.state.isCapturing());
     QVERIFY(f.state.frozenDisplaySnapshots.isEmpty());
     QVERIFY(f.state.lastSelectionRegion);

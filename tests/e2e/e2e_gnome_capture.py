@@ -5,10 +5,12 @@ Input goes through Mutter's RemoteDesktop; the pixel oracle is the Screenshot po
 layout. A selection on each monitor is saved at that monitor's native pixels, pixel for pixel as the
 portal shows it. Space beeps and says why (GNOME gives applications no window rectangles), and the
 selection stays open. A monitor switched off while the overlay is up leaves the capture on the other
-one. With the screenshot permission refused, the system log says so and nothing shows or is saved.
+one. The capture is on the clipboard too (wl-paste). With the screenshot permission refused, the system log says so and nothing shows or is saved.
 
 Run as   SCRIPT VISTREL GNOME_DESKTOP"""
+import io
 import os
+import subprocess
 import sys
 import time
 
@@ -50,6 +52,15 @@ def saved_as_shown(before, box, label):
         check(problem is None, f"{label}: the capture differs from the portal's picture of {box}: {problem}")
 
 
+def clipboard_png():
+    """The clipboard's image/png through wl-paste, which GNOME serves it while wl-paste has the keyboard."""
+    pasted = subprocess.run(["wl-paste", "--no-newline", "--type", "image/png"], capture_output=True, timeout=10)
+    try:
+        return Image.open(io.BytesIO(pasted.stdout)) if pasted.returncode == 0 else None
+    except OSError:
+        return None
+
+
 pointer = gnome_desktop.Input(["Meta-0", "Meta-1"])
 pointer.move(*PARKED)
 layout_picture = Image.open(gnome_desktop.screenshot(os.path.join(SESSION, "layout.png"))).convert("RGB")
@@ -75,6 +86,10 @@ for label, monitor, start, end, box in [
               f"{label}: Space did not say why it finds no window")
     pointer.drag(monitor, start, end)
     saved_as_shown(before, box, label)
+    # GNOME takes a clipboard only from the focused window: the capture is there all the same.
+    pasted = wait_until(clipboard_png, 5)
+    check(pasted and differs(layout_picture.crop(box), pasted) is None,
+          f"{label}: the clipboard does not hold the capture: {pasted and differs(layout_picture.crop(box), pasted)}")
     pointer.move(*PARKED)
     time.sleep(1.1)  # file names carry seconds
 

@@ -87,22 +87,21 @@ void CaptureExecution::capture(const Rect &rect, SelectionWindow *window)
     if (target.displayID)
         target.candidateRegion = LastSelectionRegion{*target.displayID, target.localRect, screen->frame};
 
-    // The overlay leaves the screen before the screen is read; the pointer stays hidden until the end.
-    window->orderOut();
-    m_session.closeSelectionWindows(m_state.useFrozenBackground, false);
-
+    QImage cropped;
     if (m_state.useFrozenBackground && target.displayID) {
         const auto snapshot = m_state.frozenDisplaySnapshots.constFind(*target.displayID);
-        if (snapshot != m_state.frozenDisplaySnapshots.constEnd()) {
-            QImage cropped = capturegeometry::cropFrozenImage(target.localRect, *snapshot);
-            if (!cropped.isNull()) {
-                m_services.scheduler.postToMain(
-                    [this, cropped = std::move(cropped), target] { finish(cropped, target); });
-                return;
-            }
-        }
+        if (snapshot != m_state.frozenDisplaySnapshots.constEnd())
+            cropped = capturegeometry::cropFrozenImage(target.localRect, *snapshot);
     }
-    m_services.scheduler.postToMainAfter(overlaySettleDelay, [this, target] { captureLive(target); });
+    // A capture from the frozen image reaches the clipboard while the overlay still has the keyboard:
+    // GNOME takes a clipboard only from the focused window. A live one reads the screen once the overlay
+    // has left it. The pointer stays hidden until the end.
+    if (!cropped.isNull())
+        finish(cropped, target);
+    window->orderOut();
+    m_session.closeSelectionWindows(m_state.useFrozenBackground, false);
+    if (cropped.isNull())
+        m_services.scheduler.postToMainAfter(overlaySettleDelay, [this, target] { captureLive(target); });
 }
 
 void CaptureExecution::abort()

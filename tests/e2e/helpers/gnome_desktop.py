@@ -107,7 +107,6 @@ class Input:
         session_id = session_object.Get(MUTTER + ".RemoteDesktop.Session", "SessionId",
                                         dbus_interface="org.freedesktop.DBus.Properties")
         self.streams = {}
-        self.typed = False
         if connectors:
             cast = BUS.get_object(MUTTER + ".ScreenCast", "/org/gnome/Mutter/ScreenCast")
             cast_path = cast.CreateSession({"remote-desktop-session-id": session_id},
@@ -122,12 +121,11 @@ class Input:
         self.session.Start()
         if not _wait(lambda: len(started) == len(self.streams), 10):
             raise RuntimeError("Mutter started no screen-cast stream to point within (is PipeWire running?)")
+        # The headless seat has a keyboard only once something typed on it (wl-paste needs one), and a
+        # client often loses the first key after its keymap changed: a throw-away key does both.
+        self.key("Shift_L")
 
     def key(self, name):
-        # A client often loses the first key after the keymap it was given changed: a throw-away first.
-        if not self.typed and name != "Shift_L":
-            self.typed = True
-            self.key("Shift_L")
         keysym = dbus.UInt32(KEYSYMS[name])
         self.session.NotifyKeyboardKeysym(keysym, True)
         self.session.NotifyKeyboardKeysym(keysym, False)
