@@ -18,13 +18,8 @@
 # GNOME Shell is not installed.
 set -uo pipefail
 
-while [ $# -gt 0 ]; do
-  case "$1" in
-    --) shift; break ;;
-    *) echo "run-in-gnome-session.sh: unknown option $1" >&2; exit 2 ;;
-  esac
-done
-[ $# -gt 0 ] || { echo "run-in-gnome-session.sh: no command given" >&2; exit 2; }
+[ "${1:-}" = -- ] && shift
+[ $# -gt 0 ] && [ "${1#-}" = "$1" ] || { echo "usage: run-in-gnome-session.sh -- COMMAND [ARGUMENT...]" >&2; exit 2; }
 
 if ! command -v gnome-shell >/dev/null || [ ! -x /usr/libexec/xdg-desktop-portal-gnome ]; then
   echo "SKIP: GNOME Shell or its portal is not installed (scripts/setup.sh test installs them)" >&2

@@ -15,13 +15,8 @@
 # Exit status 77 (ctest's skip) only when sway is not installed.
 set -uo pipefail
 
-while [ $# -gt 0 ]; do
-  case "$1" in
-    --) shift; break ;;
-    *) echo "run-in-wayland-session.sh: unknown option $1" >&2; exit 2 ;;
-  esac
-done
-[ $# -gt 0 ] || { echo "run-in-wayland-session.sh: no command given" >&2; exit 2; }
+[ "${1:-}" = -- ] && shift
+[ $# -gt 0 ] && [ "${1#-}" = "$1" ] || { echo "usage: run-in-wayland-session.sh -- COMMAND [ARGUMENT...]" >&2; exit 2; }
 
 if ! command -v sway >/dev/null; then
   echo "SKIP: sway is not installed (scripts/setup.sh test installs it)" >&2
@@ -53,7 +48,7 @@ done
 cache=${VISTREL_E2E_CACHE:-$session}
 mkdir -p "$cache" && cache=$(cd "$cache" && pwd)
 desk() {
-  local size=$1 made="$session/desk-$1"
+  local size=$1 made="$session/making-desk-$1"
   if [ ! -s "$cache/desk-$size.png" ] || [ ! -s "$cache/desk-$size.ppm" ]; then
     /usr/bin/python3 "$mkdesk" "${size%x*}" "${size#*x}" "$made.png" &&
       /usr/bin/python3 -c 'import sys; from PIL import Image; Image.open(sys.argv[1]).convert("RGB").save(sys.argv[2])' \
