@@ -12,7 +12,9 @@ registers the shortcuts again) makes the shortcut work, also after a restart."""
 from vistrel_e2e import *  # noqa: F401,F403 - the helpers of these tests
 
 TRAY_LINE = "status item: no system tray to show the icon in; it appears once a tray starts"
-SOUND_LINE = "sound camera-shutter not played (libcanberra: File or data not found)"
+# The reason is libcanberra's own and depends on the audio stack: no sound file, or no device where ALSA
+# goes through a PipeWire that does not run.
+SOUND_LINE = "sound camera-shutter not played (libcanberra: "
 NO_SERVER = "no notification server answers on the session bus"
 NOTIFICATION = ("Vistrel: 編集できます", "通知をクリックして編集画面を開きます。")
 NOTIFIED = ["Vistrel: 通知許可が付与されました", "Vistrel: 通知スケジュール成功"]
@@ -158,7 +160,8 @@ for label, environment, tray_runs, notified, shortcut, traces, system_lines, sta
     bells = BellCounter()
     capture_edit_save(label, app, shortcut, notified)
     for line in traces:
-        check(line in log_lines()[before:], f"{label}: the diagnostics log lacks: {line}")
+        check(any(entry.startswith(line) for entry in log_lines()[before:]),
+              f"{label}: the diagnostics log lacks: {line}")
     check(tray_runs != (TRAY_LINE in log_lines()[before:]), f"{label}: the tray line does not match the desktop")
     if label == "no sound":
         check(bells.count() == 1, f"{label}: the bell rang {bells.count()} times in place of the shutter sound")
