@@ -294,6 +294,11 @@ void ShortcutGuidanceTest::gnomePlans_data()
         << QStringList{gnomeEntry(0), gnomeEntry(1), gnomeEntry(2)}
         << QList<Keybinding>{{gnomeEntry(1), u"Shot"_s, select, u"<Shift><Super>s"_s},
                              {gnomeEntry(2), repeatName, repeat, u"<Control>4"_s}};
+    QTest::newRow("an entry starting Vistrel by a path is ours too, and gets the program of now")
+        << QList<Keybinding>{{gnomeEntry(4), QString(), u"/old/build/vistrel repeat"_s, u"<Super>r"_s}}
+        << QStringList{gnomeEntry(4), gnomeEntry(0)}
+        << QList<Keybinding>{{gnomeEntry(0), selectName, select, u"<Shift><Super>s"_s},
+                             {gnomeEntry(4), repeatName, repeat, u"<Control>4"_s}};
     QTest::newRow("binding again adds nothing")
         << QList<Keybinding>{{gnomeEntry(5), repeatName, repeat, u"<Super>r"_s}, {gnomeEntry(3), QString(), select}}
         << QStringList{gnomeEntry(5), gnomeEntry(3)}
@@ -314,6 +319,17 @@ void ShortcutGuidanceTest::gnomePlans()
     QCOMPARE(plan->entries, entries);
     // A key GNOME has no name for makes no plan at all.
     QCOMPARE(gnomeshortcuts::plan(existing, capture, {u"F1"_s, controlShift}).has_value(), false);
+
+    // A Vistrel not on PATH (run from its build tree) is started by its path, quoted where it has spaces.
+    const QString self = QCoreApplication::applicationFilePath();
+    QCOMPARE(gnomeshortcuts::program(self, self), u"vistrel"_s);
+    QCOMPARE(gnomeshortcuts::program(self, QString()), self);
+    QCOMPARE(gnomeshortcuts::program(self, u"/bin/sh"_s), self);
+    QCOMPARE(gnomeshortcuts::program(u"/tmp/my builds/vistrel"_s, QString()), u"'/tmp/my builds/vistrel'"_s);
+    const std::optional<gnomeshortcuts::Plan> built =
+        gnomeshortcuts::plan(existing, capture, ctrl4, u"/work/build/vistrel"_s);
+    QVERIFY(built);
+    QCOMPARE(built->entries.first().command, u"/work/build/vistrel select"_s);
 }
 
 void ShortcutGuidanceTest::gnomeBindingOnClick_data()

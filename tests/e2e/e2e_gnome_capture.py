@@ -5,16 +5,23 @@ Input goes through Mutter's RemoteDesktop; the pixel oracle is the Screenshot po
 layout. A selection on each monitor is saved at that monitor's native pixels, pixel for pixel as the
 portal shows it. Space beeps and says why (GNOME gives applications no window rectangles), and the
 selection stays open. A monitor switched off while the overlay is up leaves the capture on the other
-one. The capture is on the clipboard too (wl-paste). With the screenshot permission refused, the system log says so and nothing shows or is saved.
+one. The capture is on the clipboard too (wl-paste). With the screenshot permission refused, the system
+log says so and nothing shows or is saved. One click in the settings binds the shortcuts in GNOME, whose
+settings daemon then starts a selection on Shift+Super+S.
 
 Run as   SCRIPT VISTREL GNOME_DESKTOP"""
 import io
 import os
+import re
 import subprocess
 import sys
 import time
 
+import gi
 from PIL import Image
+
+gi.require_version("Atspi", "2.0")
+from gi.repository import Atspi  # noqa: E402
 
 from vistrel_e2e import (SESSION, Vistrel, check, differs, finish, log_lines, run, saved_files, wait_for_line,
                          wait_for_save, wait_until)
@@ -23,7 +30,25 @@ sys.path.insert(0, os.path.dirname(sys.argv[2]))
 import gnome_desktop  # noqa: E402
 
 BOTH = [("Meta-0", 0, 0, 1), ("Meta-1", 1280, 0, 2)]
+KEYS = "org.gnome.settings-daemon.plugins.media-keys"
+ENTRY = KEYS + ".custom-keybinding:"
 PARKED = ("Meta-0", 1270, 710)  # out of every selection below
+
+
+def find_button(name):
+    """Vistrel's push button of that name, as the accessibility bus shows it."""
+    desktop = Atspi.get_desktop(0)
+    for app_index in range(desktop.get_child_count()):
+        application = desktop.get_child_at_index(app_index)
+        if application is None or application.get_name() != "Vistrel":
+            continue
+        nodes = [application]
+        while nodes:
+            node = nodes.pop()
+            if node.get_role() == Atspi.Role.PUSH_BUTTON and node.get_name() == name:
+                return node
+            nodes += [child for i in range(node.get_child_count()) if (child := node.get_child_at_index(i))]
+    return None
 
 
 def permission(answer):
@@ -66,7 +91,7 @@ pointer.move(*PARKED)
 layout_picture = Image.open(gnome_desktop.screenshot(os.path.join(SESSION, "layout.png"))).convert("RGB")
 check(layout_picture.size == (3200, 1080), f"the portal's picture is {layout_picture.size}, not 3200x1080")
 
-app = Vistrel()
+app = Vistrel({"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"})
 check("Vistrel: wayland capture via the Screenshot portal" in app.system_log(),
       f"the system log does not name the portal: {app.system_log()}")
 
@@ -115,6 +140,21 @@ check(wait_until(lambda: "Vistrel: 画面収録の許可が必要です。" in a
 check(not wait_for_line("showSelectionWindow screens=", before, timeout=0.5), "an overlay showed after the refusal")
 check(saved_files() == files, "a refused capture saved a file")
 permission("yes")
+
+# One click in the settings binds both commands as GNOME custom shortcuts; GNOME's own key handling then
+# starts a selection.
+run(sys.argv[1], "settings", timeout=20)
+button = wait_until(lambda: find_button("GNOME に登録"), 10)
+if check(button, "the settings window offers no GNOME binding") and button.get_action_iface().do_action(0):
+    commands = lambda: {run("gsettings", "get", ENTRY + path, "command").stdout.strip()  # noqa: E731
+                        for path in re.findall(r"'([^']*)'", run("gsettings", "get", KEYS, "custom-keybindings").stdout)}
+    wanted = {f"'{os.path.realpath(sys.argv[1])} select'", f"'{os.path.realpath(sys.argv[1])} repeat'"}
+    check(wait_until(lambda: commands() == wanted, 10), f"GNOME's custom shortcuts run {commands()}, not {wanted}")
+    before = len(log_lines())
+    pointer.key("Shift_L+Super_L+s")
+    check(wait_for_line("showSelectionWindow screens=2", before, timeout=15), "Shift+Super+S started no selection")
+    time.sleep(0.5)
+    pointer.key("Escape")
 
 app.quit()
 finish("gnome capture")

@@ -4,8 +4,8 @@
 # (1920x1080 pixels at 1280,0, scale 2), the desk image of mkdesk.py spanned over both as the wallpaper.
 # It has its own system bus (GNOME Shell needs one) and session bus, PipeWire (Mutter's screen casts,
 # which its RemoteDesktop pointer moves within), the desktop portal with GNOME's backend, its screenshot
-# permission already granted as a user's earlier "Allow" would have, and GNOME Shell's own notification
-# server. Everything is torn down when the command ends; the command's exit status is kept.
+# permission already granted as a user's earlier "Allow" would have, GNOME Shell's own notification
+# server and GNOME's settings daemon for keys (custom shortcuts). Everything is torn down when the command ends; the command's exit status is kept.
 #
 #   run-in-gnome-session.sh -- COMMAND [ARGUMENT...]
 #
@@ -21,7 +21,8 @@ set -uo pipefail
 [ "${1:-}" = -- ] && shift
 [ $# -gt 0 ] && [ "${1#-}" = "$1" ] || { echo "usage: run-in-gnome-session.sh -- COMMAND [ARGUMENT...]" >&2; exit 2; }
 
-if ! command -v gnome-shell >/dev/null || [ ! -x /usr/libexec/xdg-desktop-portal-gnome ]; then
+if ! command -v gnome-shell >/dev/null || [ ! -x /usr/libexec/xdg-desktop-portal-gnome ] ||
+   [ ! -x /usr/libexec/gsd-media-keys ]; then
   echo "SKIP: GNOME Shell or its portal is not installed (scripts/setup.sh test installs them)" >&2
   exit 77
 fi
@@ -121,6 +122,12 @@ sys.exit(shown.size != (3200, 1080) or len(shown.crop((1600, 300, 2800, 900)).ge
 }
 wait_for shows_desk || fail "the desktop shows no wallpaper: $(tail -n 5 "$session/gnome-shell.log")"
 rm -f "$TMPDIR/shown.png"
+
+# GNOME's settings daemon for keys, which runs the custom shortcuts' commands.
+"${as_user[@]}" /usr/libexec/gsd-media-keys >"$session/gsd-media-keys.log" 2>&1 &
+pids+=($!)
+wait_for has_name org.gnome.SettingsDaemon.MediaKeys ||
+  fail "gsd-media-keys did not start: $(tail -n 5 "$session/gsd-media-keys.log")"
 
 # GNOME Shell's own notification server serves org.freedesktop.Notifications.
 user gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \

@@ -3,7 +3,9 @@
 #include "app/GnomeShortcutRules.h"
 #include "settings/AppSettings.h"
 
+#include <QCoreApplication>
 #include <QPointer>
+#include <QStandardPaths>
 
 using namespace Qt::StringLiterals;
 
@@ -47,7 +49,9 @@ void GnomeShortcutBinding::write(const CustomKeybindingStore::Listing &listing)
         return;
     }
     const std::optional<gnomeshortcuts::Plan> plan =
-        gnomeshortcuts::plan(listing.keybindings, m_settings.hotKeyCombo(), m_settings.repeatHotKeyCombo());
+        gnomeshortcuts::plan(listing.keybindings, m_settings.hotKeyCombo(), m_settings.repeatHotKeyCombo(),
+                             gnomeshortcuts::program(QCoreApplication::applicationFilePath(),
+                                                     QStandardPaths::findExecutable(u"vistrel"_s)));
     if (!plan) {
         finish(u"GNOME で使えないキーです"_s);
         return;

@@ -3,6 +3,8 @@
 #include "settings/KeyTable.h"
 #include "settings/ShortcutTriggers.h"
 
+#include <QFileInfo>
+
 using namespace Qt::StringLiterals;
 
 namespace gnomeshortcuts {
@@ -11,12 +13,14 @@ namespace {
 
 using shortcutguidance::Command;
 
-// The listed entry that runs this command; spacing typed by hand does not make it another command.
+// The listed entry that runs this command of a Vistrel, by name or by path; spacing typed by hand does
+// not make it another command.
 std::optional<Keybinding> entryRunning(const QList<Keybinding> &existing, Command command)
 {
-    const QString wanted = shortcutguidance::commandLine(command);
+    const QString argument = shortcutguidance::commandLine(command).section(u' ', 1);
     for (const Keybinding &entry : existing) {
-        if (entry.command.simplified() == wanted)
+        const QStringList words = entry.command.simplified().split(u' ');
+        if (words.size() == 2 && QFileInfo(words.first()).fileName() == u"vistrel"_s && words.last() == argument)
             return entry;
     }
     return std::nullopt;
@@ -57,8 +61,15 @@ QString entryName(Command command)
     return command == Command::Select ? u"Vistrel: スクリーンショットを撮る"_s : u"Vistrel: 繰り返し撮影"_s;
 }
 
+QString program(const QString &executable, const QString &onPath)
+{
+    if (!onPath.isEmpty() && QFileInfo(onPath).canonicalFilePath() == QFileInfo(executable).canonicalFilePath())
+        return u"vistrel"_s;
+    return executable.contains(u' ') ? u'\'' + executable + u'\'' : executable;
+}
+
 std::optional<Plan> plan(const QList<Keybinding> &existing, const ShortcutKeyCombo &select,
-                         const ShortcutKeyCombo &repeat)
+                         const ShortcutKeyCombo &repeat, const QString &program)
 {
     Plan result;
     for (const Keybinding &entry : existing)
@@ -74,7 +85,8 @@ std::optional<Plan> plan(const QList<Keybinding> &existing, const ShortcutKeyCom
             result.paths.append(path);
         // A name the user gave their own entry stays.
         const QString name = current && !current->name.isEmpty() ? current->name : entryName(command);
-        result.entries.append({path, name, shortcutguidance::commandLine(command), *binding});
+        const QString argument = shortcutguidance::commandLine(command).section(u' ', 1);
+        result.entries.append({path, name, program + u' ' + argument, *binding});
     }
     return result;
 }

@@ -32,10 +32,14 @@ struct Plan
     // Every path listed before, in its order, then the new ones.
     QStringList paths;
 };
-// An entry that already runs one of our commands is rewritten in place, so binding again adds nothing;
-// otherwise the entry goes to the first "customN/" folder no listed path uses. Absent when a key has no
-// accelerator.
+// How a shortcut starts this Vistrel: "vistrel" where that name on PATH (`onPath`, empty when none) is
+// this executable, else the executable's path, so a build run from its tree is bound as well.
+QString program(const QString &executable, const QString &onPath);
+
+// An entry that already runs one of our commands (by name or by path) is rewritten in place, so binding
+// again adds nothing; otherwise the entry goes to the first "customN/" folder no listed path uses. The
+// commands start `program`. Absent when a key has no accelerator.
 std::optional<Plan> plan(const QList<Keybinding> &existing, const ShortcutKeyCombo &select,
-                         const ShortcutKeyCombo &repeat);
+                         const ShortcutKeyCombo &repeat, const QString &program = QStringLiteral("vistrel"));
 
 } // namespace gnomeshortcuts

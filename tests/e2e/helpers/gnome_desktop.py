@@ -19,7 +19,8 @@ from gi.repository import GLib
 DBusGMainLoop(set_as_default=True)
 BUS = dbus.SessionBus()
 MUTTER = "org.gnome.Mutter"
-KEYSYMS = {"Escape": 0xff1b, "space": 0x20, "Return": 0xff0d, "Shift_L": 0xffe1}
+KEYSYMS = {"Escape": 0xff1b, "space": 0x20, "Return": 0xff0d, "Shift_L": 0xffe1, "Super_L": 0xffeb, "s": 0x73,
+           "r": 0x72}
 BUTTONS = {"left": 0x110, "right": 0x111}
 
 
@@ -125,10 +126,13 @@ class Input:
         # client often loses the first key after its keymap changed: a throw-away key does both.
         self.key("Shift_L")
 
-    def key(self, name):
-        keysym = dbus.UInt32(KEYSYMS[name])
-        self.session.NotifyKeyboardKeysym(keysym, True)
-        self.session.NotifyKeyboardKeysym(keysym, False)
+    def key(self, keys):
+        """Presses a combination ("Shift_L+Super_L+s") and lets it go again, last key first."""
+        keysyms = [dbus.UInt32(KEYSYMS[name]) for name in keys.split("+")]
+        for keysym in keysyms:
+            self.session.NotifyKeyboardKeysym(keysym, True)
+        for keysym in reversed(keysyms):
+            self.session.NotifyKeyboardKeysym(keysym, False)
         time.sleep(0.05)
 
     def move(self, connector, x, y):
