@@ -107,6 +107,16 @@ void LinuxPlatform::setTrace(const std::function<void(const QString &line)> &tra
         m_session.setTrace(trace);
 }
 
+void LinuxPlatform::prepareFirstSelection()
+{
+    if (!m_session.prepareCapture)
+        return;
+    m_session.prepareCapture();
+    // A Wayland window is placed by the compositor only once shown; only X11 overlays are made ahead.
+    if (!m_session.overlaysFillScreens)
+        m_selectionWindows->prepare();
+}
+
 PlatformServices LinuxPlatform::services() const
 {
     PlatformServices services;

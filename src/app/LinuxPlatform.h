@@ -50,6 +50,9 @@ public:
     // Given the diagnostics log once the process-wide instances exist: the adapters that trace what
     // the desktop lacks or refuses (no tray, no sound, a settings pane of macOS).
     void setTrace(const std::function<void(const QString &line)> &trace) const;
+    // Once the application is up: readies what the first selection would otherwise wait for (on X11,
+    // the screen segments and the hidden overlay windows). Shows nothing.
+    void prepareFirstSelection();
 
     // $XDG_STATE_HOME/Vistrel, by default ~/.local/state/Vistrel.
     static QString diagnosticsLogFolder(const QProcessEnvironment &environment);

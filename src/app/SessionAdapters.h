@@ -32,6 +32,9 @@ struct SessionAdapters
     std::unique_ptr<InputGrab> inputGrab;
     // Where the adapters explain what the desktop lacks (the diagnostics log, once it exists).
     std::function<void(const std::function<void(const QString &line)> &trace)> setTrace;
+    // Readies what the first capture would otherwise make then, showing nothing; empty where there is
+    // nothing to ready.
+    std::function<void()> prepareCapture;
     // On Wayland each overlay window is made full screen on its output: the compositor places windows.
     bool overlaysFillScreens = false;
     // The desktop portal reads the screen, so the desktop may ask the user once for permission.

@@ -22,7 +22,9 @@ SessionAdapters adapters(xcb_connection_t *connection)
     SessionAdapters set;
     auto displays = std::make_unique<X11DisplayProvider>(connection);
     set.cursor = std::make_unique<QtCursor>(*displays);
-    set.screenCapturer = std::make_unique<X11ScreenCapturer>(connection, *displays);
+    auto capturer = std::make_unique<X11ScreenCapturer>(connection, *displays);
+    set.prepareCapture = [reader = capturer.get()] { reader->prepare(); };
+    set.screenCapturer = std::move(capturer);
     set.displays = std::move(displays);
     set.permission = std::make_unique<X11ScreenCapturePermission>();
     set.windowList = std::make_unique<X11WindowList>(connection);

@@ -25,6 +25,7 @@
 #include <QApplication>
 #include <QDBusConnection>
 #include <QFileInfo>
+#include <QTimer>
 
 #include <cstdio>
 
@@ -109,6 +110,8 @@ extern "C" Q_DECL_EXPORT int vistrelApplicationMain(int argc, char **argv)
         app, [&platform] { return platform.makeSettingsWindow(AppSettings::shared(), SoftwareUpdaterModel::shared()); });
     running = delegate.get();
     delegate->applicationDidFinishLaunching();
+    // After the tray is up, so that starting is not slowed by it.
+    QTimer::singleShot(0, &app, [&platform] { platform.prepareFirstSelection(); });
     if (command != u"activate"_s)
         instancecommands::perform(*delegate, command, commandArguments);
     const int status = app.exec();

@@ -22,6 +22,9 @@ public:
     ~QtSelectionWindowFactory() override;
 
     std::unique_ptr<SelectionWindow> makeSelectionWindow() override;
+    // Makes one hidden window per display now, with its native window and pixel buffer,
+    // so that the first selection only shows them. Shows nothing and takes no input.
+    void prepare();
 
     const std::vector<std::unique_ptr<SelectionOverlayWidget>> &widgets() const { return m_widgets; }
 
@@ -30,4 +33,6 @@ private:
     InputGrab &m_grab;
     Placement m_placement;
     std::vector<std::unique_ptr<SelectionOverlayWidget>> m_widgets;
+    // Made by prepare() and not handed out yet, in display order.
+    std::vector<std::unique_ptr<SelectionOverlayWidget>> m_prepared;
 };

@@ -5,6 +5,7 @@
 #include "capture/SelectionView.h"
 #include "platform/SelectionWindow.h"
 
+#include <QBackingStore>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -45,6 +46,24 @@ void SelectionOverlayWidget::displayIfNeeded()
 {
     if (m_needsDisplay && isVisible())
         repaint();
+}
+
+void SelectionOverlayWidget::prepareHidden()
+{
+    if (isVisible())
+        return;
+    winId();
+    if (QBackingStore *store = backingStore()) {
+        const QRect all(QPoint(), size());
+        store->resize(size());
+        store->beginPaint(all);
+        // Touching every pixel once maps the buffer's pages in now rather than during the first paint.
+        if (QPaintDevice *device = store->paintDevice()) {
+            QPainter painter(device);
+            painter.fillRect(all, Qt::black);
+        }
+        store->endPaint();
+    }
 }
 
 void SelectionOverlayWidget::paintEvent(QPaintEvent *)

@@ -24,6 +24,9 @@ public:
     // A rectangle of the view (its coordinates: bottom-left origin, y upwards).
     void setNeedsDisplayInRect(const QRectF &viewRect);
     void displayIfNeeded();
+    // While hidden: makes the native window and fills a pixel buffer of the window's size, which the
+    // first showing would otherwise wait for.
+    void prepareHidden();
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -1,12 +1,21 @@
 #!/usr/bin/python3
-"""The capture flow on one display: the repeat shortcut before any capture, a dragged capture saved,
-copied and traced, Escape and a plain click cancelling with the cursor given back, the repeat
-shortcut capturing the same region again, and Space over a window capturing exactly that window with
-its frame, as the screen showed it."""
+"""The capture flow on one display: a start that makes its overlay out of sight, the repeat shortcut
+before any capture, a dragged capture saved, copied and traced, Escape and a plain click cancelling
+with the cursor given back, the repeat shortcut capturing the same region again, and Space over a
+window capturing exactly that window with its frame, as the screen showed it."""
 from vistrel_e2e import *  # noqa: F401,F403 - the helpers of these tests
 
-app = Vistrel()
 desk = background()
+focus = run("xdotool", "getwindowfocus").stdout
+app = Vistrel()
+
+# Once started, the overlay is made ahead but out of sight: nothing but the desktop on the screen, and
+# the focus where it was.
+check(wait_until(lambda: overlay_windows(mapped=False), 5), "no overlay window was made ahead")
+check(overlay_windows() == [], f"windows showed at start: {overlay_windows()}")
+problem = differs(desk, screen())
+check(problem is None, f"the screen changed at start: {problem}")
+check(run("xdotool", "getwindowfocus").stdout == focus, "starting took the focus")
 
 # Repeat with nothing to repeat: refused with a beep (the display bell) and its trace.
 bells = BellCounter()

@@ -140,8 +140,9 @@ def start_selection(shortcut="shift+super+s", environment=None):
     return True
 
 
-def overlay_windows():
-    """Geometry ("WxH+X+Y") of each mapped override-redirect window of vistrel."""
+def overlay_windows(mapped=True):
+    """Geometry ("WxH+X+Y") of each mapped (or, `mapped` false, unmapped) override-redirect window of
+    vistrel."""
     tree = run("xwininfo", "-root", "-children").stdout
     windows = []
     for line in tree.splitlines():
@@ -149,7 +150,7 @@ def overlay_windows():
         if not match:
             continue
         info = run("xwininfo", "-id", match.group(1)).stdout
-        if "Map State: IsViewable" in info and "Override Redirect State: yes" in info:
+        if ("Map State: IsViewable" in info) == mapped and "Override Redirect State: yes" in info:
             windows.append(match.group(2))
     return windows
 

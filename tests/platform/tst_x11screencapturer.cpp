@@ -6,6 +6,7 @@
 #include "X11ScreenCapturer.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QPainter>
 #include <QWidget>
 
@@ -41,6 +42,15 @@ private:
     QImage m_pattern;
 };
 
+// The System V shared-memory segments this process has attached.
+int attachedSegments()
+{
+    QFile maps(u"/proc/self/maps"_s);
+    if (!maps.open(QIODevice::ReadOnly))
+        return -1;
+    return int(maps.readAll().count("/SYSV"));
+}
+
 // The image a capture call completes with (the calls complete before returning).
 QImage capture(std::function<void(ScreenCapturer::ImageCompletion)> call)
 {
@@ -63,6 +73,7 @@ private slots:
     void readsWhatTheScreenShows_data();
     void readsWhatTheScreenShows();
     void segmentsAreReusedOnlyWhenFree();
+    void preparedSegmentServesTheFirstFreeze();
     void rectangleOutsideTheScreenFails();
 
 private:
@@ -136,6 +147,18 @@ void X11ScreenCapturerTest::segmentsAreReusedOnlyWhenFree()
     // A copied-out grab leaves its segment free at once.
     const X11ScreenCapturer::Grab copied = capturer.grabRoot(QRect(0, 0, 64, 64), false);
     QVERIFY(copied.image.constBits() != firstBits && copied.image.constBits() != second.image.constBits());
+}
+
+void X11ScreenCapturerTest::preparedSegmentServesTheFirstFreeze()
+{
+    X11ScreenCapturer capturer(qtConnection(), *m_displays);
+    const int before = attachedSegments();
+    capturer.prepare();
+    QCOMPARE(attachedSegments(), before + int(m_displays->screens().size()));
+    const QRect screen(QPoint(0, 0), m_displays->screens().first().frame.size().toSize());
+    const X11ScreenCapturer::Grab frozen = capturer.grabRoot(screen, true);
+    QCOMPARE(frozen.image.copy(40, 30, 257, 131), m_window->pattern());
+    QCOMPARE(attachedSegments(), before + int(m_displays->screens().size()));
 }
 
 void X11ScreenCapturerTest::rectangleOutsideTheScreenFails()

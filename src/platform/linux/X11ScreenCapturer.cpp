@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -56,6 +57,15 @@ void X11ScreenCapturer::captureRect(const Rect &globalRect, ImageCompletion comp
 {
     Grab grab = grabRoot(DesktopSpace::current().topLeftGlobalToNative(globalRect), false);
     completion(std::move(grab.image), std::move(grab.error));
+}
+
+void X11ScreenCapturer::prepare()
+{
+    // All held at once, as a freeze holds them, so each display gets a segment of its own.
+    const DesktopSpace space = DesktopSpace::current();
+    std::vector<X11RootReader::Read> reads;
+    for (const DesktopScreen &screen : space.screens())
+        reads.push_back(m_reader.read(screen.native, true));
 }
 
 X11ScreenCapturer::Grab X11ScreenCapturer::grabRoot(const QRect &requested, bool keepShared)

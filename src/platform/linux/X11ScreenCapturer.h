@@ -36,6 +36,9 @@ public:
     };
     // `keepShared`: the image may keep reading the shared segment instead of owning its pixels.
     Grab grabRoot(const QRect &native, bool keepShared);
+    // Reads every display once and lets the pixels go: the shared segments a freeze needs are then made
+    // and mapped on both sides before the first one.
+    void prepare();
     bool usesSharedMemory() const { return m_reader.usesSharedMemory(); }
 
 private:
