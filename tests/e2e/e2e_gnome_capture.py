@@ -53,10 +53,10 @@ def find_button(name):
 
 def permission(answer):
     """What GNOME's one-time screenshot dialog would have kept for applications without an id."""
-    run("gdbus", "call", "--session", "--dest", "org.freedesktop.impl.portal.PermissionStore",
+    run("gdbus", "call", "--session", "--timeout", "10", "--dest", "org.freedesktop.impl.portal.PermissionStore",
         "--object-path", "/org/freedesktop/impl/portal/PermissionStore",
         "--method", "org.freedesktop.impl.portal.PermissionStore.SetPermission",
-        "screenshot", "true", "screenshot", "", f"['{answer}']")
+        "screenshot", "true", "screenshot", "", f"['{answer}']", timeout=15)
 
 
 def select(label, screens=2):
@@ -146,13 +146,19 @@ permission("yes")
 run(sys.argv[1], "settings", timeout=20)
 button = wait_until(lambda: find_button("GNOME に登録"), 10)
 if check(button, "the settings window offers no GNOME binding") and button.get_action_iface().do_action(0):
-    commands = lambda: {run("gsettings", "get", ENTRY + path, "command").stdout.strip()  # noqa: E731
-                        for path in re.findall(r"'([^']*)'", run("gsettings", "get", KEYS, "custom-keybindings").stdout)}
+    def commands():
+        listed = run("gsettings", "get", KEYS, "custom-keybindings", timeout=10).stdout
+        return {run("gsettings", "get", ENTRY + path, "command", timeout=10).stdout.strip()
+                for path in re.findall(r"'([^']*)'", listed)}
     wanted = {f"'{os.path.realpath(sys.argv[1])} select'", f"'{os.path.realpath(sys.argv[1])} repeat'"}
     check(wait_until(lambda: commands() == wanted, 10), f"GNOME's custom shortcuts run {commands()}, not {wanted}")
     before = len(log_lines())
-    pointer.key("Shift_L+Super_L+s")
-    check(wait_for_line("showSelectionWindow screens=2", before, timeout=15), "Shift+Super+S started no selection")
+
+    def shortcut_selects():
+        # gsd-media-keys grabs a new accelerator a moment after the settings change.
+        pointer.key("Shift_L+Super_L+s")
+        return wait_for_line("showSelectionWindow screens=2", before, timeout=2)
+    check(wait_until(shortcut_selects, 20), "Shift+Super+S started no selection")
     time.sleep(0.5)
     pointer.key("Escape")
 

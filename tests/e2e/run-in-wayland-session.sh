@@ -27,15 +27,7 @@ source "$(dirname "$0")/session-lib.sh"
 session_begin run-in-wayland-session.sh
 
 session_user
-user mkdir -p "$user_dir/home/Desktop" "$user_dir/home/.config" "$user_dir/home/.local/state" \
-  "$user_dir/home/.local/share" "$user_dir/home/.cache" "$user_dir/runtime" "$user_dir/tmp" "$user_dir/output" ||
-  fail "the session's user cannot write $user_dir"
-chmod 700 "$user_dir/runtime"
-
-export HOME="$user_dir/home" XDG_CONFIG_HOME="$user_dir/home/.config" XDG_STATE_HOME="$user_dir/home/.local/state" \
-       XDG_DATA_HOME="$user_dir/home/.local/share" XDG_CACHE_HOME="$user_dir/home/.cache" \
-       XDG_RUNTIME_DIR="$user_dir/runtime" TMPDIR="$user_dir/tmp" XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=sway \
-       VISTREL_E2E_DIR="$user_dir"
+session_wayland_home sway
 unset DISPLAY WAYLAND_DISPLAY SWAYSOCK DBUS_SESSION_BUS_ADDRESS
 
 # The wallpapers: the desk image at each output's pixel size, made once per size and kept in the cache,

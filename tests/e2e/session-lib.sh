@@ -15,16 +15,32 @@ session_begin() {
   trap 'exit 130' INT TERM
 }
 
-# Stops every process started, newest first, and removes the session folder; the exit status stays.
+# Stops every process started, newest first, and removes the session folder; the exit status stays. A
+# process still there five seconds after being asked (a compositor stuck on its way out) is killed.
 session_teardown() {
-  local i
+  local i tries
   for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
     kill "${pids[i]}" 2>/dev/null
+  done
+  for ((tries = 0; tries < 100; tries++)); do
+    session_any_running || break
+    sleep 0.05
+  done
+  for ((i = 0; i < ${#pids[@]}; i++)); do
+    kill -KILL "${pids[i]}" 2>/dev/null
   done
   for ((i = ${#pids[@]} - 1; i >= 0; i--)); do
     wait "${pids[i]}" 2>/dev/null
   done
   rm -rf "$session"
+}
+
+session_any_running() {
+  local pid
+  for pid in "${pids[@]}"; do
+    kill -0 "$pid" 2>/dev/null && return 0
+  done
+  return 1
 }
 
 fail() { echo "$script_name: $*" >&2; exit 1; }
@@ -52,6 +68,23 @@ session_user() {
 }
 
 user() { "${as_user[@]}" "$@"; }
+
+# The user's own home, XDG folders, runtime folder and TMPDIR under $user_dir, exported for a Wayland
+# desktop of that name; the folders named after it are made under the home too.
+session_wayland_home() {
+  local desktop=$1 folder
+  shift
+  local folders=("$user_dir/home/Desktop" "$user_dir/home/.config" "$user_dir/home/.local/state"
+                 "$user_dir/home/.local/share" "$user_dir/home/.cache" "$user_dir/runtime" "$user_dir/tmp"
+                 "$user_dir/output")
+  for folder in "$@"; do folders+=("$user_dir/home/$folder"); done
+  user mkdir -p "${folders[@]}" || fail "the session's user cannot write $user_dir"
+  chmod 700 "$user_dir/runtime"
+  export HOME="$user_dir/home" XDG_CONFIG_HOME="$user_dir/home/.config" XDG_STATE_HOME="$user_dir/home/.local/state" \
+         XDG_DATA_HOME="$user_dir/home/.local/share" XDG_CACHE_HOME="$user_dir/home/.cache" \
+         XDG_RUNTIME_DIR="$user_dir/runtime" TMPDIR="$user_dir/tmp" XDG_SESSION_TYPE=wayland \
+         XDG_CURRENT_DESKTOP="$desktop" VISTREL_E2E_DIR="$user_dir"
+}
 
 # Whether the session bus has a service of that name. Asked of the bus, not of the service: a call to
 # the service would have the bus start a second one.
