@@ -37,10 +37,9 @@ unset DISPLAY WAYLAND_DISPLAY SWAYSOCK DBUS_SESSION_BUS_ADDRESS
 gnome() { user /usr/bin/python3 "$VISTREL_E2E_GNOME" "$@"; }
 
 # The wallpaper, made once and kept in the cache.
-cache=${VISTREL_E2E_CACHE:-$session}
-mkdir -p "$cache" && cache=$(cd "$cache" && pwd)
+session_desk_cache
 if [ ! -s "$cache/gnome-desk.png" ]; then
-  /usr/bin/python3 "$repo/bench/mkdesk.py" 3200 1080 "$session/desk.png" && mv "$session/desk.png" "$cache/gnome-desk.png" ||
+  /usr/bin/python3 "$mkdesk" 3200 1080 "$session/desk.png" && mv "$session/desk.png" "$cache/gnome-desk.png" ||
     fail "the wallpaper could not be made"
 fi
 user test -r "$cache/gnome-desk.png" || fail "the session's user cannot read $cache"

@@ -49,13 +49,7 @@ unset DISPLAY WAYLAND_DISPLAY SWAYSOCK DBUS_SESSION_BUS_ADDRESS KWIN_SCREENSHOT_
       KWIN_WAYLAND_NO_PERMISSION_CHECKS
 
 # The wallpapers, made once and kept in the cache.
-mkdesk=
-for candidate in "${VISTREL_MKDESK:-}" "$repo/bench/mkdesk.py"; do
-  if [ -n "$candidate" ] && [ -f "$candidate" ]; then mkdesk=$candidate; break; fi
-done
-[ -n "$mkdesk" ] || fail "mkdesk.py not found (set VISTREL_MKDESK)"
-cache=${VISTREL_E2E_CACHE:-$session}
-mkdir -p "$cache" && cache=$(cd "$cache" && pwd)
+session_desk_cache
 if [ ! -s "$cache/kwin-desk-0.png" ] || [ ! -s "$cache/kwin-desk-1.png" ]; then
   /usr/bin/python3 "$mkdesk" 1280 720 "$session/desk.png" &&
     /usr/bin/python3 -c 'import sys; from PIL import Image

@@ -65,13 +65,7 @@ wait_for sh -c 'dbus-send --session --print-reply --dest=org.freedesktop.DBus /o
 
 # The background: the desk image at the screen's size, made once per size and kept in the cache.
 if [ -z "$background" ]; then
-  mkdesk=
-  for candidate in "${VISTREL_MKDESK:-}" "$repo/bench/mkdesk.py"; do
-    if [ -n "$candidate" ] && [ -f "$candidate" ]; then mkdesk=$candidate; break; fi
-  done
-  [ -n "$mkdesk" ] || fail "mkdesk.py not found (set VISTREL_MKDESK)"
-  cache=${VISTREL_E2E_CACHE:-$session}
-  mkdir -p "$cache"
+  session_desk_cache
   background="$cache/desk-$size.png"
   if [ ! -s "$background" ]; then
     /usr/bin/python3 "$mkdesk" "${size%x*}" "${size#*x}" "$session/desk.png" && mv "$session/desk.png" "$background" ||

@@ -32,13 +32,7 @@ unset DISPLAY WAYLAND_DISPLAY SWAYSOCK DBUS_SESSION_BUS_ADDRESS
 
 # The wallpapers: the desk image at each output's pixel size, made once per size and kept in the cache,
 # with a PPM copy to compare grim's output against while waiting for the first frame.
-mkdesk=
-for candidate in "${VISTREL_MKDESK:-}" "$repo/bench/mkdesk.py"; do
-  if [ -n "$candidate" ] && [ -f "$candidate" ]; then mkdesk=$candidate; break; fi
-done
-[ -n "$mkdesk" ] || fail "mkdesk.py not found (set VISTREL_MKDESK)"
-cache=${VISTREL_E2E_CACHE:-$session}
-mkdir -p "$cache" && cache=$(cd "$cache" && pwd)
+session_desk_cache
 desk() {
   local size=$1 made="$session/making-desk-$1"
   if [ ! -s "$cache/desk-$size.png" ] || [ ! -s "$cache/desk-$size.ppm" ]; then

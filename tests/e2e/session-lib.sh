@@ -43,6 +43,19 @@ session_any_running() {
   return 1
 }
 
+# The desk image maker ($mkdesk, VISTREL_MKDESK or bench/mkdesk.py) and the folder its pictures are kept
+# in across sessions ($cache, VISTREL_E2E_CACHE, else the session's own folder).
+session_desk_cache() {
+  local candidate
+  mkdesk=
+  for candidate in "${VISTREL_MKDESK:-}" "$repo/bench/mkdesk.py"; do
+    if [ -n "$candidate" ] && [ -f "$candidate" ]; then mkdesk=$candidate; break; fi
+  done
+  [ -n "$mkdesk" ] || fail "mkdesk.py not found (set VISTREL_MKDESK)"
+  cache=${VISTREL_E2E_CACHE:-$session}
+  mkdir -p "$cache" && cache=$(cd "$cache" && pwd)
+}
+
 fail() { echo "$script_name: $*" >&2; exit 1; }
 
 # Waits up to the session's seconds for a condition (a command) to hold.
