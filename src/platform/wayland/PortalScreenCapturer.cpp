@@ -11,7 +11,6 @@
 #include <QCoreApplication>
 #include <QUrl>
 
-#include <cmath>
 #include <future>
 #include <utility>
 
@@ -27,16 +26,14 @@ constexpr std::chrono::milliseconds reuseWindow(500);
 // File times come from the kernel's coarse clock, which may lag the clock we read by a tick.
 constexpr int fileClockSlackMs = 20;
 
-// A rectangle of the layout to the image's pixels, rounded outward.
-QRect imagePixels(const QRectF &area, const QRectF &bounds, const QImage &image)
+// A rectangle of Qt's logical space to the pixels of the image of the layout, each corner by its own
+// display, rounded outward. At mixed scales the image has the highest one; where the layout is in
+// pixels, a point is several layout units.
+QRect imagePixels(const QRectF &logical, const QList<DesktopScreen> &screens, const QRectF &bounds,
+                  const QImage &image)
 {
-    const double perX = image.width() / bounds.width();
-    const double perY = image.height() / bounds.height();
-    const int left = int(std::floor((area.left() - bounds.left()) * perX + 1e-9));
-    const int top = int(std::floor((area.top() - bounds.top()) * perY + 1e-9));
-    const int right = int(std::ceil((area.right() - bounds.left()) * perX - 1e-9));
-    const int bottom = int(std::ceil((area.bottom() - bounds.top()) * perY - 1e-9));
-    return QRect(left, top, right - left, bottom - top);
+    const double perUnit = image.width() / bounds.width();
+    return desktopspace::logicalToLayout(logical, screens, perUnit).translated(-(bounds.topLeft() * perUnit).toPoint());
 }
 
 } // namespace
@@ -79,14 +76,11 @@ void PortalScreenCapturer::captureDisplay(quint32 displayID, const Rect &sourceR
         for (const DesktopScreen &screen : layout.screens) {
             if (screen.name != name)
                 continue;
-            // At mixed scales the image has the highest one: a display of a lower scale is brought back
-            // to its own pixels. Where the layout is in pixels, a point is several layout units.
-            const QRect place = screen.layoutRect();
-            const double perPoint = screen.logical.width() > 0 ? double(place.width()) / screen.logical.width() : 1;
-            const QRectF source = sourceRect.toQRectF();
-            const QRectF area(QPointF(place.topLeft()) + source.topLeft() * perPoint, source.size() * perPoint);
-            const QRect part = imagePixels(area, layout.bounds, layout.image)
-                                   .intersected(imagePixels(place, layout.bounds, layout.image));
+            // A display of a lower scale than the image's is brought back to its own pixels.
+            const QList<DesktopScreen> own{screen};
+            const QRectF area = sourceRect.toQRectF().translated(screen.logical.topLeft());
+            const QRect part = imagePixels(area, own, layout.bounds, layout.image)
+                                   .intersected(imagePixels(QRectF(screen.logical), own, layout.bounds, layout.image));
             QImage image = layout.image.copy(part);
             if (!image.isNull() && image.size() != outputSize)
                 image = image.scaled(outputSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
@@ -120,9 +114,7 @@ void PortalScreenCapturer::captureRect(const Rect &globalRect, ImageCompletion c
             return;
         }
         const QRectF area = desktopspace::fromTopLeftGlobal(globalRect, layout.screens.first().logical);
-        const double perUnit = layout.image.width() / layout.bounds.width();
-        const QRect part = desktopspace::logicalToLayout(area, layout.screens, perUnit)
-                               .translated(-(layout.bounds.topLeft() * perUnit).toPoint());
+        const QRect part = imagePixels(area, layout.screens, layout.bounds, layout.image);
         if (!part.intersects(layout.image.rect())) {
             completion({}, u"the rectangle lies on no output"_s);
             return;
