@@ -140,6 +140,19 @@ def start_selection(shortcut="shift+super+s", environment=None):
     return True
 
 
+def select_by_command(label, screens=2):
+    """Starts a selection with `vistrel select`, as a desktop's own shortcut would, and waits for the
+    overlay on `screens` displays, and a moment for the compositor to map and draw it; the diagnostics
+    line count before it, or None."""
+    before = len(log_lines())
+    started = run(VISTREL, "select", timeout=20)
+    shown = wait_for_line(f"showSelectionWindow screens={screens}", before, timeout=15)
+    if not check(started.returncode == 0 and shown, f"{label}: no overlay on {screens} displays: {started.stderr}"):
+        return None
+    time.sleep(0.5)
+    return before
+
+
 def overlay_windows(mapped=True):
     """Geometry ("WxH+X+Y") of each mapped (or, `mapped` false, unmapped) override-redirect window of
     vistrel."""
@@ -185,14 +198,28 @@ def differs(expected, actual):
     return f"pixels differ in {box}" if box else None
 
 
-def shows_desktop(path, crop, label):
-    """Checks that a capture was saved at `path` (or is the open file `path`) and equals the desktop's `crop`
-    (x1, y1, x2, y2) pixel for pixel; false when nothing was saved."""
+def saved_as(path, expected, label, what="the desktop"):
+    """Checks that a capture was saved at `path` (or is the open file `path`) and equals `expected` pixel
+    for pixel; false when nothing was saved."""
     if not check(path, f"{label}: nothing saved"):
         return False
-    problem = differs(background().crop(crop), Image.open(path))
-    check(problem is None, f"{label}: the capture differs from the desktop: {problem}")
+    problem = differs(expected, Image.open(path))
+    check(problem is None, f"{label}: the capture differs from {what}: {problem}")
     return True
+
+
+def shows_desktop(path, crop, label):
+    """saved_as() against the desktop's `crop` (x1, y1, x2, y2)."""
+    return saved_as(path, background().crop(crop), label)
+
+
+def window_saved(before, owner, expected, label):
+    """After Space over a window (from log line `before` on): the window is resolved as `owner`'s (its
+    class or app id, and what follows) and saved equal to `expected`."""
+    resolved = wait_for_line("window selection resolved owner=", before)
+    check(resolved and resolved.startswith(f"window selection resolved owner={owner} "),
+          f"{label}: the window was not resolved as {owner}'s: {resolved}")
+    saved_as(wait_for_save(before), expected, label, "the window")
 
 
 def clipboard_bytes():
@@ -227,6 +254,13 @@ def remember_setting(key, value):
     os.makedirs(os.path.dirname(SETTINGS), exist_ok=True)
     with open(SETTINGS, "w", encoding="utf-8") as file:
         json.dump(values, file)
+
+
+def notification_texts():
+    """(title, body) of each notification dunst has shown, once closed into its history."""
+    run("dunstctl", "close-all")
+    entries = wait_until(lambda: json.loads(run("dunstctl", "history").stdout or "{}").get("data", [[]])[0])
+    return [(entry["summary"]["data"], entry["body"]["data"]) for entry in entries or []]
 
 
 def notifications_shown():

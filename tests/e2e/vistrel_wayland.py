@@ -21,15 +21,14 @@ Output = namedtuple("Output", "name x y width height scale pixel_width pixel_hei
 
 
 class Pointer:
-    """The seat's pointer, which exists only while this wl_pointer process runs. Positions are in
-    layout coordinates (logical pixels); buttons are "left", "middle" or "right"."""
+    """The seat's pointer, which exists only while this wl_pointer process (or, on KWin, kwin_pointer)
+    runs. Positions are in layout coordinates (logical pixels); buttons are "left", "middle" or "right"."""
 
-    def __init__(self):
-        self.process = subprocess.Popen([WL_POINTER], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+    def __init__(self, program=WL_POINTER):
+        self.process = subprocess.Popen([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
         ready = self.process.stdout.readline()
         if not ready.startswith("ready"):
-            raise RuntimeError(f"wl_pointer did not start: {ready!r}")
-        self.extent = tuple(int(v) for v in ready.split()[1:3])
+            raise RuntimeError(f"{os.path.basename(program)} did not start: {ready!r}")
 
     def send(self, command):
         """Sends one command and returns once the compositor has handled it."""
@@ -37,7 +36,7 @@ class Pointer:
         self.process.stdin.flush()
         reply = self.process.stdout.readline().strip()
         if reply != "ok":
-            raise RuntimeError(f"wl_pointer {command!r}: {reply or 'no reply'}")
+            raise RuntimeError(f"pointer {command!r}: {reply or 'no reply'}")
 
     def move(self, x, y):
         self.send(f"move {x} {y}")
@@ -48,21 +47,15 @@ class Pointer:
     def up(self, button="left"):
         self.send(f"up {button}")
 
-    def click(self, x, y, button="left"):
-        self.move(x, y)
-        self.down(button)
-        self.up(button)
-
     def drag(self, start, end, steps=5, during=None):
-        """Presses at `start`, moves in steps to `end` and releases; `during` runs before the release."""
-        if during is None:
-            self.send(f"drag {start[0]} {start[1]} {end[0]} {end[1]} {steps}")
-            return
+        """Presses at `start`, moves in steps to `end` and releases; `during` runs before the release. The
+        compositor has handled each step before the next is sent, as a hand would pace them."""
         self.move(*start)
         self.down()
         for step in range(1, steps + 1):
             self.move(start[0] + (end[0] - start[0]) * step // steps, start[1] + (end[1] - start[1]) * step // steps)
-        during()
+        if during:
+            during()
         self.up()
 
     def close(self):
@@ -74,7 +67,7 @@ _pointer = None
 
 
 def pointer():
-    """The pointer shared by move(), drag() and click(), made on first use."""
+    """The pointer shared by move() and drag(), made on first use."""
     global _pointer
     if _pointer is None:
         _pointer = Pointer()
@@ -83,10 +76,6 @@ def pointer():
 
 def move(x, y):
     pointer().move(x, y)
-
-
-def click(x, y, button="left"):
-    pointer().click(x, y, button)
 
 
 def drag(start, end, during=None, steps=5):
@@ -111,11 +100,6 @@ def key(keys):
         arguments += ["-m", modifier]
     result = run(*arguments)
     check(result.returncode == 0, f"wtype {keys}: {result.stderr.strip()}")
-
-
-def type_text(text):
-    result = run("wtype", "-k", "Shift_L", "--", text)
-    check(result.returncode == 0, f"wtype {text!r}: {result.stderr.strip()}")
 
 
 def grim(*arguments):
@@ -152,10 +136,6 @@ def wallpaper_region(x, y, width, height):
             box = (x - output.x, y - output.y, x - output.x + width, y - output.y + height)
             return background(output.name).crop(tuple(round(v * scale) for v in box))
     return None
-
-
-def clipboard_types():
-    return run("wl-paste", "--list-types").stdout.split()
 
 
 def clipboard_png():

@@ -5,7 +5,6 @@
  *
  *   move X Y                     the pointer to layout position (X, Y)
  *   down [BUTTON] / up [BUTTON]  press / release left (the default), middle or right
- *   drag X1 Y1 X2 Y2 STEPS       press at the start, move in STEPS steps to the end, release
  *
  * It prints "ready W H" (the layout's size) first. The layout is the union of the outputs' xdg-output
  * logical rectangles, kept current from their events, so scale changes at run time are followed. */
@@ -157,25 +156,10 @@ static const char *button(const char *name, enum wl_pointer_button_state state)
     return NULL;
 }
 
-/* Each step is handled by the compositor before the next is sent, as a hand would pace them. */
-static const char *drag(int x1, int y1, int x2, int y2, int steps)
-{
-    const char *error = move(x1, y1);
-    if (error || (error = button("", WL_POINTER_BUTTON_STATE_PRESSED)))
-        return error;
-    for (int i = 1; i <= steps && !error; ++i) {
-        wl_display_roundtrip(display);
-        error = move(x1 + (x2 - x1) * i / steps, y1 + (y2 - y1) * i / steps);
-    }
-    wl_display_roundtrip(display);
-    const char *released = button("", WL_POINTER_BUTTON_STATE_RELEASED);
-    return error ? error : released;
-}
-
 static const char *run(const char *line)
 {
     char verb[16] = "", name[16] = "";
-    int a, b, c, d, e;
+    int a, b;
     if (sscanf(line, "%15s", verb) != 1)
         return "empty command";
     if (strcmp(verb, "move") == 0 && sscanf(line, "%*s %d %d", &a, &b) == 2)
@@ -184,8 +168,6 @@ static const char *run(const char *line)
         sscanf(line, "%*s %15s", name);
         return button(name, verb[0] == 'd' ? WL_POINTER_BUTTON_STATE_PRESSED : WL_POINTER_BUTTON_STATE_RELEASED);
     }
-    if (strcmp(verb, "drag") == 0 && sscanf(line, "%*s %d %d %d %d %d", &a, &b, &c, &d, &e) == 5 && e > 0)
-        return drag(a, b, c, d, e);
     return "unknown command";
 }
 
