@@ -127,15 +127,9 @@ if check(window_id, "the test window did not appear"):
     before = len(log_lines())
     if start_selection():
         key("space")
-        resolved = wait_for_line("window selection resolved owner=", before)
         # WM_CLASS(STRING) = "instance", "Class"
         window_class = run("xprop", "-id", window_id, "WM_CLASS").stdout.split('"')[3]
-        check(resolved and resolved.startswith(f"window selection resolved owner={window_class} id={int(window_id)} "),
-              f"the window was not resolved by its class {window_class}: {resolved}")
-        path = wait_for_save(before)
-        if check(path, "Space saved nothing"):
-            problem = differs(expected, Image.open(path))
-            check(problem is None, f"the capture is not the window's frame {frame}: {problem}")
+        window_saved(before, f"{window_class} id={int(window_id)}", expected, f"Space over the frame {frame}")
 
     # Over the bare desktop Space finds nothing: the overlay stays for another try.
     move(1700, 100)

@@ -122,10 +122,7 @@ def capture_edit_save(label, app, shortcut, notified):
         return
     check(notified or notifications_shown() == 0, f"{label}: a notification shows")
     if notified:
-        # Closed notifications go to dunst's history, where their texts can be read.
-        run("dunstctl", "close-all")
-        history = wait_until(lambda: json.loads(run("dunstctl", "history").stdout or "{}").get("data", [[]])[0])
-        texts = {(entry["summary"]["data"], entry["body"]["data"]) for entry in history or []}
+        texts = set(notification_texts())
         check(texts == {NOTIFICATION}, f"{label}: the notifications read {texts}")
     time.sleep(0.5)
     key("Return")
