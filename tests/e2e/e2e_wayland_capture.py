@@ -34,11 +34,8 @@ def captured(before, rect, label):
     """The file saved after log line `before` shows the desktop in `rect` (layout coordinates) at that
     output's pixels, and the clipboard serves the same picture as image/png."""
     path = wait_for_save(before)
-    if not check(path, f"{label}: nothing saved"):
+    if not saved_as(path, wallpaper_region(*rect), label, f"the desktop at {rect}"):
         return None
-    expected = wallpaper_region(*rect)
-    problem = differs(expected, Image.open(path))
-    check(problem is None, f"{label}: the file is not the desktop at {rect}: {problem}")
     clip = clipboard_png()
     if clip is not None:
         problem = differs(Image.open(path), clip)
@@ -103,13 +100,7 @@ if check(window, f"the test window did not appear on the second output: {windows
     if select_by_binding():
         move(x + width // 2, y + height // 2)
         key("space")
-        resolved = wait_for_line("window selection resolved owner=", before)
-        check(resolved and resolved.startswith("window selection resolved owner=drag_source "),
-              f"the window was not resolved by its app id: {resolved}")
-        path = wait_for_save(before)
-        if check(path, "Space saved nothing"):
-            problem = differs(expected, Image.open(path))
-            check(problem is None, f"the capture is not the window at {(x, y, width, height)}: {problem}")
+        window_saved(before, "drag_source", expected, f"Space over the window at {(x, y, width, height)}")
 source.kill()
 
 # The command line, beside grim: a whole output and a region, pixel for pixel.

@@ -11,7 +11,6 @@ scale-1 capture is the output's pixels blurred by [1 6 1]/8 across and down, whi
 there, within two levels for rounding (grim's, Vistrel's and this test's own). The scale-2 output is
 compared pixel for pixel."""
 import atexit
-import json
 import time
 
 import dbus
@@ -142,9 +141,7 @@ for label, start_at, end_at in [("scale 1", (200, 150), (520, 390)), ("scale 2",
         check(os.path.exists(unrelated), f"{label}: {unrelated}, beside the portal's file, was removed")
     time.sleep(1.1)  # file names carry seconds
 
-run("dunstctl", "close-all")
-told = wait_until(lambda: json.loads(run("dunstctl", "history").stdout or "{}").get("data", [[]])[0], 3) or []
-told = [entry["body"]["data"] for entry in told if entry["summary"]["data"] == "Vistrel: 画面の撮影の確認"]
+told = [body for title, body in notification_texts() if title == "Vistrel: 画面の撮影の確認"]
 check(len(told) == 1 and told[0].startswith("続いて GNOME が"), f"the permission notice was given {len(told)} times")
 
 # Without its backend the portal answers with a failure, which is the desktop refusing: the system log

@@ -4,21 +4,12 @@ one notification, the sway lines that bind `vistrel select` and `vistrel repeat`
 capture flow test binds that line and drives every selection through it), and in another, since no tray
 runs here, how to reach Vistrel; clicking a notification opens the settings; a later start says nothing
 again."""
-import json
-
 from vistrel_wayland import *  # noqa: F401,F403 - the helpers of these tests
 
 TITLE = "Vistrel: ショートカットが使えません"
 TRAYLESS = ("Vistrel: トレイにアイコンを表示できません",
             "撮影は「vistrel select」、繰り返し撮影は「vistrel repeat」。\n"
             "設定は「vistrel settings」か、アプリ一覧の Vistrel を右クリックして「設定」から開けます。")
-
-
-def history():
-    """The texts of the notifications dunst has shown, once closed."""
-    run("dunstctl", "close-all")
-    entries = wait_until(lambda: json.loads(run("dunstctl", "history").stdout or "{}").get("data", [[]])[0], 3)
-    return [(entry["summary"]["data"], entry["body"]["data"]) for entry in entries or []]
 
 
 app = Vistrel(tray_notice=True)
@@ -30,7 +21,7 @@ check("Vistrel: ホットキーの登録に失敗しました: -4" in system_log
 # A click on it opens the settings, whose shortcut rows say the same.
 run("dunstctl", "action", "0")
 check(wait_until(lambda: any(w["name"] == "Vistrel 設定" for w in windows()), 10), "the settings did not open")
-shown = history()
+shown = notification_texts()
 check(len(shown) == 2 and TRAYLESS in shown, f"the notifications read {shown}")
 body = next((text for title, text in shown if title == TITLE), "")
 lines = [line for line in body.split("\n") if line.startswith("bindsym ")]
