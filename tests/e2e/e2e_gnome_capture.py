@@ -23,8 +23,8 @@ from PIL import Image
 gi.require_version("Atspi", "2.0")
 from gi.repository import Atspi  # noqa: E402
 
-from vistrel_e2e import (SESSION, Vistrel, check, differs, finish, log_lines, run, saved_files, wait_for_line,
-                         wait_for_save, wait_until)
+from vistrel_e2e import (SESSION, Vistrel, check, differs, finish, log_lines, run, saved_as, saved_files,
+                         select_by_command, wait_for_line, wait_for_save, wait_until)
 
 sys.path.insert(0, os.path.dirname(sys.argv[2]))
 import gnome_desktop  # noqa: E402
@@ -59,24 +59,6 @@ def permission(answer):
         "screenshot", "true", "screenshot", "", f"['{answer}']", timeout=15)
 
 
-def select(label, screens=2):
-    """Starts a selection as a custom shortcut would; the diagnostics line count before it, or None."""
-    before = len(log_lines())
-    started = run(sys.argv[1], "select", timeout=20)
-    shown = wait_for_line(f"showSelectionWindow screens={screens}", before, timeout=15)
-    if not check(started.returncode == 0 and shown, f"{label}: no overlay on {screens} monitors: {started.stderr}"):
-        return None
-    time.sleep(0.5)  # GNOME Shell maps both windows and draws them
-    return before
-
-
-def saved_as_shown(before, box, label):
-    path = wait_for_save(before)
-    if check(path, f"{label}: nothing saved"):
-        problem = differs(layout_picture.crop(box), Image.open(path))
-        check(problem is None, f"{label}: the capture differs from the portal's picture of {box}: {problem}")
-
-
 def clipboard_png():
     """The clipboard's image/png through wl-paste, which GNOME serves it while wl-paste has the keyboard."""
     pasted = subprocess.run(["wl-paste", "--no-newline", "--type", "image/png"], capture_output=True, timeout=10)
@@ -99,7 +81,7 @@ check("Vistrel: wayland capture via the Screenshot portal" in app.system_log(),
 for label, monitor, start, end, box in [
         ("Meta-0 at scale 1", "Meta-0", (100, 100), (400, 300), (100, 100, 400, 300)),
         ("Meta-1 at scale 2", "Meta-1", (100, 100), (400, 300), (1380, 100, 1680, 300))]:
-    before = select(label)
+    before = select_by_command(label)
     if before is None:
         continue
     check(wait_for_line("selection window display=2 frame={{1280, 180}, {960, 540}} frozen=1920x1080", before),
@@ -110,7 +92,7 @@ for label, monitor, start, end, box in [
         check(wait_for_line("window list unavailable: this compositor gives applications no window", before),
               f"{label}: Space did not say why it finds no window")
     pointer.drag(monitor, start, end)
-    saved_as_shown(before, box, label)
+    saved_as(wait_for_save(before), layout_picture.crop(box), label, f"the portal's picture of {box}")
     # GNOME takes a clipboard only from the focused window: the capture is there all the same.
     pasted = wait_until(clipboard_png, 5)
     check(pasted and differs(layout_picture.crop(box), pasted) is None,
@@ -119,13 +101,14 @@ for label, monitor, start, end, box in [
     time.sleep(1.1)  # file names carry seconds
 
 # Meta-1 switched off while the overlay is up: the overlay there goes, Meta-0's still captures.
-before = select("monitor switched off")
+before = select_by_command("monitor switched off")
 if before is not None:
     gnome_desktop.set_layout(BOTH[:1])
     check(wait_until(lambda: len(gnome_desktop.monitors()) == 1, 10), "Mutter kept Meta-1 on")
     time.sleep(0.5)
     pointer.drag("Meta-0", (500, 200), (700, 400))
-    saved_as_shown(before, (500, 200, 700, 400), "monitor switched off")
+    box = (500, 200, 700, 400)
+    saved_as(wait_for_save(before), layout_picture.crop(box), "monitor switched off", f"the portal's picture of {box}")
     gnome_desktop.set_layout(BOTH)
     check(wait_until(lambda: len(gnome_desktop.monitors()) == 2, 10), "Mutter did not turn Meta-1 on again")
     time.sleep(1.1)

@@ -18,8 +18,9 @@ import dbus
 
 from PIL import Image, ImageChops
 
-from vistrel_e2e import (SESSION, VISTREL, Vistrel, check, differs, finish, log_lines, run, wait_for_line,
-                         wait_for_save, wait_until)
+from vistrel_e2e import (SESSION, VISTREL, Vistrel, check, differs, finish, run, saved_as, select_by_command,
+                         wait_for_save, wait_until, window_saved)
+from vistrel_wayland import Pointer
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 POINTER = sys.argv[2]
@@ -41,31 +42,6 @@ def kwin_screen(name):
     return Image.open(path).convert("RGB") if check(taken.returncode == 0, f"KWin's {name}: {taken.stderr}") else None
 
 
-class Pointer:
-    def __init__(self):
-        self.process = subprocess.Popen([POINTER], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
-        ready = self.process.stdout.readline()
-        if not ready.startswith("ready"):
-            raise RuntimeError(f"kwin_pointer did not start: {ready!r}")
-
-    def send(self, command):
-        self.process.stdin.write(command + "\n")
-        self.process.stdin.flush()
-        reply = self.process.stdout.readline().strip()
-        if reply != "ok":
-            raise RuntimeError(f"kwin_pointer {command!r}: {reply or 'no reply'}")
-
-    def drag(self, start, end, steps=5):
-        self.send(f"move {start[0]} {start[1]}")
-        time.sleep(0.05)
-        self.send("down")
-        for step in range(1, steps + 1):
-            self.send(f"move {start[0] + (end[0] - start[0]) * step // steps} "
-                      f"{start[1] + (end[1] - start[1]) * step // steps}")
-            time.sleep(0.02)
-        self.send("up")
-
-
 # The launcher entry as installed, Exec naming this build's executable.
 with open(os.path.join(HERE, "..", "..", "resources", "vistrel.desktop"), encoding="utf-8") as shipped:
     lines = shipped.read().splitlines()
@@ -80,7 +56,7 @@ install_entry(os.path.join(APPLICATIONS, "vistrel-e2e-kwin-pointer.desktop"),
 
 def start_pointer():
     try:
-        return Pointer()
+        return Pointer(POINTER)
     except RuntimeError as error:
         print(error)
         return None
@@ -90,7 +66,7 @@ def start_pointer():
 pointer = wait_until(start_pointer, timeout=10, interval=0.5)
 if not check(pointer, "KWin never offered the test pointer its fake input"):
     finish("kwin capture")
-pointer.send("move 1270 710")  # out of every selection below
+pointer.move(1270, 710)  # out of every selection below
 
 # The command line through KWin, granted by the same entry: display 1 at its native pixels, a region within
 # it, and one across both outputs, which KWin draws at the higher scale (2) of the two.
@@ -137,22 +113,18 @@ for name, start, end, pixels in [("Virtual-0", (200, 150), (520, 390), (200, 150
     run("dunstctl", "close-all")
     time.sleep(0.3)
     shown = kwin_screen(name)
-    before = len(log_lines())
-    run(VISTREL, "select", timeout=20)
-    if not check(wait_for_line("showSelectionWindow screens=2", before), f"{name}: no overlay on both outputs"):
+    before = select_by_command(name)
+    if before is None:
         continue
-    time.sleep(0.5)  # KWin maps and draws both overlays
     pointer.drag(start, end)
-    path = wait_for_save(before)
-    if check(path, f"{name}: nothing saved") and shown:
-        problem = differs(shown.crop(pixels), Image.open(path))
-        check(problem is None, f"{name}: the capture differs from KWin's picture of {pixels}: {problem}")
+    if shown:
+        saved_as(wait_for_save(before), shown.crop(pixels), name, f"KWin's picture of {pixels}")
     time.sleep(1.1)  # file names carry seconds
 
 # Space over a window: its frame, found where KWin's picture of Virtual-0 differs from the wallpaper.
 probe = os.path.join(SESSION, "probe.png")
 Image.new("RGB", (40, 40), (200, 40, 90)).save(probe)
-pointer.send("move 100 100")  # KWin places a new window on the output with the pointer
+pointer.move(100, 100)  # KWin places a new window on the output with the pointer
 source = subprocess.Popen([os.path.join(os.path.dirname(POINTER), "drag_source"), probe])
 run("dunstctl", "close-all")
 wallpaper = Image.open(os.environ["VISTREL_E2E_BACKGROUND_VIRTUAL_0"]).convert("RGB")
@@ -167,19 +139,11 @@ def window_shown():
 found = wait_until(window_shown, timeout=10, interval=0.3)
 if check(found, "the test window did not show on Virtual-0"):
     shown, frame = found
-    before = len(log_lines())
-    run(VISTREL, "select", timeout=20)
-    if check(wait_for_line("showSelectionWindow screens=2", before), "Space: no overlay on both outputs"):
-        time.sleep(0.5)
-        pointer.send(f"move {(frame[0] + frame[2]) // 2} {(frame[1] + frame[3]) // 2}")
+    before = select_by_command("Space")
+    if before is not None:
+        pointer.move((frame[0] + frame[2]) // 2, (frame[1] + frame[3]) // 2)
         pointer.send("key 57")  # Space
-        resolved = wait_for_line("window selection resolved owner=", before)
-        check(resolved and resolved.startswith("window selection resolved owner=drag_source "),
-              f"the window was not resolved by its class: {resolved}")
-        path = wait_for_save(before)
-        if check(path, "Space saved nothing"):
-            problem = differs(shown.crop(frame), Image.open(path))
-            check(problem is None, f"the capture is not the window's frame {frame}: {problem}")
+        window_saved(before, "drag_source", shown.crop(frame), f"Space over the frame {frame}")
 source.kill()
 app.quit()
 
@@ -192,5 +156,5 @@ check(refusal in app.system_log() and "X-KDE-DBUS-Restricted-Interfaces=org.kde.
       f"the system log does not tell of KWin's refusal and its cure: {app.system_log()}")
 check("via KWin's ScreenShot2" not in app.system_log(), f"KWin was chosen though it refused: {app.system_log()}")
 app.quit()
-pointer.process.stdin.close()
+pointer.close()
 finish("kwin capture")
