@@ -17,12 +17,9 @@ import subprocess
 import sys
 import time
 
-import gi
 from PIL import Image
 
-gi.require_version("Atspi", "2.0")
-from gi.repository import Atspi  # noqa: E402
-
+import vistrel_a11y as a11y
 from vistrel_e2e import (SESSION, Vistrel, check, differs, finish, log_lines, run, saved_as, saved_files,
                          select_by_command, wait_for_line, wait_for_save, wait_until)
 
@@ -33,22 +30,6 @@ BOTH = [("Meta-0", 0, 0, 1), ("Meta-1", 1280, 0, 2)]
 KEYS = "org.gnome.settings-daemon.plugins.media-keys"
 ENTRY = KEYS + ".custom-keybinding:"
 PARKED = ("Meta-0", 1270, 710)  # out of every selection below
-
-
-def find_button(name):
-    """Vistrel's push button of that name, as the accessibility bus shows it."""
-    desktop = Atspi.get_desktop(0)
-    for app_index in range(desktop.get_child_count()):
-        application = desktop.get_child_at_index(app_index)
-        if application is None or application.get_name() != "Vistrel":
-            continue
-        nodes = [application]
-        while nodes:
-            node = nodes.pop()
-            if node.get_role() == Atspi.Role.PUSH_BUTTON and node.get_name() == name:
-                return node
-            nodes += [child for i in range(node.get_child_count()) if (child := node.get_child_at_index(i))]
-    return None
 
 
 def permission(answer):
@@ -73,7 +54,7 @@ pointer.move(*PARKED)
 layout_picture = Image.open(gnome_desktop.screenshot(os.path.join(SESSION, "layout.png"))).convert("RGB")
 check(layout_picture.size == (3200, 1080), f"the portal's picture is {layout_picture.size}, not 3200x1080")
 
-app = Vistrel({"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1"})
+app = Vistrel(a11y.ENVIRONMENT)
 check("Vistrel: wayland capture via the Screenshot portal" in app.system_log(),
       f"the system log does not name the portal: {app.system_log()}")
 
@@ -127,7 +108,8 @@ permission("yes")
 # One click in the settings binds both commands as GNOME custom shortcuts; GNOME's own key handling then
 # starts a selection.
 run(sys.argv[1], "settings", timeout=20)
-button = wait_until(lambda: find_button("GNOME に登録"), 10)
+window = a11y.window("Vistrel 設定")
+button = window and a11y.find(window, "GNOME に登録")
 if check(button, "the settings window offers no GNOME binding") and button.get_action_iface().do_action(0):
     def commands():
         listed = run("gsettings", "get", KEYS, "custom-keybindings", timeout=10).stdout
