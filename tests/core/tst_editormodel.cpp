@@ -77,7 +77,8 @@ void EditorModelTest::containsUsesPaddedHalfOpenBox_data()
     QTest::addColumn<QPointF>("point");
     QTest::addColumn<double>("padding");
     QTest::addColumn<bool>("inside");
-    // The overlay spans (10, 20) to (30, 40), drawn from its top-right corner.
+    // The overlay spans (10, 20) to (30, 40), drawn from its top-right corner. Without padding these are the
+    // rectangle's own half-open bounds.
     QTest::newRow("minimum corner") << QPointF(10, 20) << 0.0 << true;
     QTest::newRow("maximum x edge") << QPointF(30, 30) << 0.0 << false;
     QTest::newRow("maximum y edge") << QPointF(20, 40) << 0.0 << false;

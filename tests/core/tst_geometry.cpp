@@ -15,8 +15,6 @@ private slots:
     void intersection();
     void integralGrowsOutward_data();
     void integralGrowsOutward();
-    void containmentIsHalfOpen_data();
-    void containmentIsHalfOpen();
     void unionIgnoresNull();
     void negativeSizesStandardize();
     void traceForms_data();
@@ -66,23 +64,6 @@ void GeometryTest::integralGrowsOutward()
     QFETCH(Rect, input);
     QFETCH(Rect, expected);
     QCOMPARE(input.integral(), expected);
-}
-
-void GeometryTest::containmentIsHalfOpen_data()
-{
-    QTest::addColumn<QPointF>("point");
-    QTest::addColumn<bool>("inside");
-    QTest::newRow("min corner") << QPointF(0, 0) << true;
-    QTest::newRow("max x edge") << QPointF(10, 5) << false;
-    QTest::newRow("max y edge") << QPointF(5, 10) << false;
-    QTest::newRow("left of min") << QPointF(-0.001, 5) << false;
-}
-
-void GeometryTest::containmentIsHalfOpen()
-{
-    QFETCH(QPointF, point);
-    QFETCH(bool, inside);
-    QCOMPARE(Rect(0, 0, 10, 10).contains(point), inside);
 }
 
 void GeometryTest::unionIgnoresNull()
