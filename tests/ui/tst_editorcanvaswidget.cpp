@@ -45,9 +45,7 @@ class EditorCanvasWidgetTest : public QObject
 private slots:
     void dragsLandAtImagePoints_data();
     void dragsLandAtImagePoints();
-    void canvasFollowsTheZoom();
     void opensCentredOnTheImage();
-    void showsWhatTheViewPaintsWhereverItIsScrolled();
     void drawingRepaintsOnlyWhatItTouches();
     void releaseIsOneRedraw_data();
     void releaseIsOneRedraw();
@@ -57,21 +55,34 @@ private slots:
 
 void EditorCanvasWidgetTest::dragsLandAtImagePoints_data()
 {
-    QTest::addColumn<int>("presetIndex");
+    QTest::addColumn<int>("presetIndex"); // -1: none
+    QTest::addColumn<int>("sliderValue"); // 0: left alone
+    QTest::addColumn<bool>("reset");
     QTest::addColumn<double>("zoom");
-    QTest::newRow("at 100%") << 1 << 1.0;
-    QTest::newRow("at 200%") << 3 << 2.0;
-    QTest::newRow("at 50%") << 0 << 0.5;
+    QTest::newRow("at 100%") << 1 << 0 << false << 1.0;
+    QTest::newRow("at 200%") << 3 << 0 << false << 2.0;
+    QTest::newRow("at 50%") << 0 << 0 << false << 0.5;
+    QTest::newRow("slider at 150%") << -1 << 15 << false << 1.5;
+    QTest::newRow("reset from 200%") << 3 << 0 << true << 1.0;
 }
 
 void EditorCanvasWidgetTest::dragsLandAtImagePoints()
 {
     QFETCH(int, presetIndex);
+    QFETCH(int, sliderValue);
+    QFETCH(bool, reset);
     QFETCH(double, zoom);
     EditorWidgetFixture f;
     QVERIFY(f.isReady());
-    f.widget.toolbar()->zoomControls()->presetButtons().at(presetIndex)->click();
+    EditorZoomControls *controls = f.widget.toolbar()->zoomControls();
+    if (presetIndex >= 0)
+        controls->presetButtons().at(presetIndex)->click();
+    if (sliderValue > 0)
+        controls->slider()->setValue(sliderValue);
+    if (reset)
+        controls->resetButton()->click();
     QCOMPARE(f.view->viewport().zoomScale(), zoom);
+    QCOMPARE(controls->resetButton()->isEnabled(), zoom != 1.0);
     // 400 × 300 with a margin of 500 on every side, scaled.
     QCOMPARE(f.canvas()->size(), QSize(1400, 1300) * zoom);
 
@@ -82,21 +93,6 @@ void EditorCanvasWidgetTest::dragsLandAtImagePoints()
     QCOMPARE(box.type, EditorTool::Rectangle);
     QCOMPARE(box.startPoint, QPointF(40, 260));
     QCOMPARE(box.endPoint, QPointF(160, 180));
-}
-
-void EditorCanvasWidgetTest::canvasFollowsTheZoom()
-{
-    EditorWidgetFixture f;
-    QVERIFY(f.isReady());
-    f.widget.toolbar()->zoomControls()->presetButtons().at(3)->click();
-    QPushButton *reset = f.widget.toolbar()->zoomControls()->resetButton();
-    QVERIFY(reset->isEnabled());
-    reset->click();
-    QCOMPARE(f.canvas()->size(), QSize(1400, 1300));
-    QVERIFY(!reset->isEnabled());
-    f.widget.toolbar()->zoomControls()->slider()->setValue(15);
-    QCOMPARE(f.view->viewport().zoomScale(), 1.5);
-    QCOMPARE(f.canvas()->size(), QSize(2100, 1950));
 }
 
 void EditorCanvasWidgetTest::opensCentredOnTheImage()
@@ -111,36 +107,14 @@ void EditorCanvasWidgetTest::opensCentredOnTheImage()
     QCOMPARE(area->verticalScrollBar()->value(), qRound(anchor.y() - visible.height() / 2.0));
 }
 
-void EditorCanvasWidgetTest::showsWhatTheViewPaintsWhereverItIsScrolled()
-{
-    EditorWidgetFixture f;
-    QVERIFY(f.isReady());
-    f.scheduler.advance(1);
-    f.drag({{40, 260}, {160, 180}});
-    f.widget.toolbar()->toolButton(EditorTool::Freehand)->click();
-    f.drag({{60, 100}, {80, 130}, {100, 95}, {120, 140}, {150, 90}});
-    f.widget.toolbar()->toolButton(EditorTool::Mosaic)->click();
-    f.drag({{200, 250}, {350, 150}});
-
-    // The canvas as the window shows it, against the view painted on a picture of its own.
-    QImage expected(f.canvas()->size(), QImage::Format_ARGB32_Premultiplied);
-    QPainter painter(&expected);
-    f.view->paintCanvas(painter);
-    painter.end();
-    const QImage window = f.widget.grab().toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    QWidget *viewport = f.widget.scrollArea()->viewport();
-    const QRect visible(viewport->mapTo(&f.widget, QPoint(0, 0)), viewport->size());
-    const QPoint canvasOrigin = f.canvas()->mapTo(&f.widget, QPoint(0, 0));
-    QVERIFY(canvasOrigin.x() < 0 && canvasOrigin.y() < visible.top());
-    QCOMPARE(window.copy(visible), expected.copy(visible.translated(-canvasOrigin)));
-}
-
 void EditorCanvasWidgetTest::drawingRepaintsOnlyWhatItTouches()
 {
     EditorWidgetFixture f;
     QVERIFY(f.isReady());
     f.scheduler.advance(1);
     f.drag({{40, 260}, {160, 180}});
+    f.widget.toolbar()->toolButton(EditorTool::Mosaic)->click();
+    f.drag({{200, 250}, {350, 150}});
     f.widget.toolbar()->toolButton(EditorTool::Freehand)->click();
     QApplication::processEvents();
     PaintRecorder recorder;
@@ -156,7 +130,8 @@ void EditorCanvasWidgetTest::drawingRepaintsOnlyWhatItTouches()
         QVERIFY2(region.boundingRect().width() <= 30 && region.boundingRect().height() <= 30,
                  qPrintable(u"repainted %1 × %2"_s.arg(region.boundingRect().width()).arg(region.boundingRect().height())));
 
-    // What the window shows after those partial repaints, against a whole fresh painting.
+    // What the window shows after those partial repaints, scrolled to the image, against the view painted
+    // whole on a picture of its own.
     QImage expected(f.canvas()->size(), QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&expected);
     f.view->paintCanvas(painter);
@@ -166,6 +141,7 @@ void EditorCanvasWidgetTest::drawingRepaintsOnlyWhatItTouches()
     QWidget *viewport = f.widget.scrollArea()->viewport();
     const QRect visible(viewport->mapTo(&f.widget, QPoint(0, 0)), viewport->size());
     const QPoint canvasOrigin = f.canvas()->mapTo(&f.widget, QPoint(0, 0));
+    QVERIFY(canvasOrigin.x() < 0 && canvasOrigin.y() < visible.top());
     QCOMPARE(window.copy(visible), expected.copy(visible.translated(-canvasOrigin)));
     QTest::mouseRelease(f.canvas(), Qt::LeftButton, {}, f.at({150, 200}));
 }
