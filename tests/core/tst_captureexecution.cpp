@@ -21,7 +21,6 @@ class CaptureExecutionTest : public QObject
 private slots:
     void refusals_data();
     void refusals();
-    void frozenImageIsUsedWithoutWaiting();
     void liveCaptureWaitsForTheOverlayToLeave_data();
     void liveCaptureWaitsForTheOverlayToLeave();
     void screenWithoutIDGoesStraightToTheDesktopRectangle();
@@ -87,20 +86,6 @@ void CaptureExecutionTest::refusals()
     QCOMPARE(f.window(0)->isVisible, stillSelecting);
     QCOMPARE(f.cursor.hiddenLevel(), stillSelecting && expected.isEmpty() ? 1 : 0);
     QVERIFY(f.pasteboard.contents.isEmpty());
-}
-
-void CaptureExecutionTest::frozenImageIsUsedWithoutWaiting()
-{
-    CaptureFixture f({primary});
-    f.showOverlay();
-    f.drag(0, QPointF(10, 20), QPointF(110, 70));
-    // Done within the release itself, before the overlay has left (the clipboard needs it focused on GNOME).
-    QCOMPARE(f.pasteboard.contents.first().size(), QSize(200, 100));
-    QVERIFY(!f.state.isSelecting());
-    QVERIFY(!f.window(0)->isVisible);
-    QVERIFY(!f.state.isCapturing());
-    QVERIFY(f.state.frozenDisplaySnapshots.isEmpty());
-    QVERIFY(f.state.lastSelectionRegion);
 }
 
 void CaptureExecutionTest::liveCaptureWaitsForTheOverlayToLeave_data()
