@@ -42,11 +42,9 @@ private slots:
     void canvasGeometry();
     void conversionsAreInverses_data();
     void conversionsAreInverses();
-    void resetButtonState_data();
-    void resetButtonState();
+    void zoom_data();
+    void zoom();
     void zoomControls();
-    void sliderSnapsToItsSteps_data();
-    void sliderSnapsToItsSteps();
     void centeringIsAttemptedFourTimes();
     void fifthCallEndsCentering();
     void centeringAfterTheViewIsGoneDoesNothing();
@@ -117,23 +115,35 @@ void EditorViewportTest::conversionsAreInverses()
     QCOMPARE(f.viewport.imageToViewTransform().map(imagePoint), viewPoint);
 }
 
-void EditorViewportTest::resetButtonState_data()
+void EditorViewportTest::zoom_data()
 {
+    QTest::addColumn<bool>("fromSlider");
+    QTest::addColumn<double>("value");
     QTest::addColumn<double>("zoom");
-    QTest::addColumn<bool>("enabled");
-    QTest::newRow("exactly 1") << 1.0 << false;
-    QTest::newRow("1.0005 is still 100%") << 1.0005 << false;
-    QTest::newRow("0.9995 is still 100%") << 0.9995 << false;
-    QTest::newRow("1.1") << 1.1 << true;
+    QTest::addColumn<bool>("resetEnabled");
+    QTest::newRow("exactly 1") << false << 1.0 << 1.0 << false;
+    QTest::newRow("1.0005 is still 100%") << false << 1.0005 << 1.0005 << false;
+    QTest::newRow("0.9995 is still 100%") << false << 0.9995 << 0.9995 << false;
+    QTest::newRow("1.1") << false << 1.1 << 1.1 << true;
+    QTest::newRow("slider: a step") << true << 1.7 << 1.7 << true;
+    QTest::newRow("slider: between steps") << true << 1.74 << 1.7 << true;
+    QTest::newRow("slider: below the range") << true << 0.1 << 0.5 << true;
+    QTest::newRow("slider: above the range") << true << 7.0 << 3.0 << true;
 }
 
-void EditorViewportTest::resetButtonState()
+void EditorViewportTest::zoom()
 {
+    QFETCH(bool, fromSlider);
+    QFETCH(double, value);
     QFETCH(double, zoom);
-    QFETCH(bool, enabled);
+    QFETCH(bool, resetEnabled);
     ViewportFixture f(QSize(10, 10));
-    f.viewport.setZoomScale(zoom);
-    QCOMPARE(f.viewport.zoomControls().isResetEnabled, enabled);
+    if (fromSlider)
+        f.viewport.setZoomFromSlider(value);
+    else
+        f.viewport.setZoomScale(value);
+    QCOMPARE(f.viewport.zoomScale(), zoom);
+    QCOMPARE(f.viewport.zoomControls().isResetEnabled, resetEnabled);
     f.viewport.resetZoom();
     QCOMPARE(f.viewport.zoomScale(), 1.0);
 }
@@ -152,25 +162,6 @@ void EditorViewportTest::zoomControls()
     }
     QCOMPARE(titles, (QStringList{u"50%"_s, u"100%"_s, u"150%"_s, u"200%"_s}));
     QCOMPARE(zooms, (QList<double>{0.5, 1.0, 1.5, 2.0}));
-}
-
-void EditorViewportTest::sliderSnapsToItsSteps_data()
-{
-    QTest::addColumn<double>("value");
-    QTest::addColumn<double>("zoom");
-    QTest::newRow("a step") << 1.7 << 1.7;
-    QTest::newRow("between steps") << 1.74 << 1.7;
-    QTest::newRow("below the range") << 0.1 << 0.5;
-    QTest::newRow("above the range") << 7.0 << 3.0;
-}
-
-void EditorViewportTest::sliderSnapsToItsSteps()
-{
-    QFETCH(double, value);
-    QFETCH(double, zoom);
-    ViewportFixture f(QSize(10, 10));
-    f.viewport.setZoomFromSlider(value);
-    QCOMPARE(f.viewport.zoomScale(), zoom);
 }
 
 void EditorViewportTest::centeringIsAttemptedFourTimes()
