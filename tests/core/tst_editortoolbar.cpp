@@ -44,8 +44,6 @@ private slots:
     void opacityIsRoundedIntoRange();
     void savedFill_data();
     void savedFill();
-    void partlyStoredColourFallsBack_data();
-    void partlyStoredColourFallsBack();
     void colourIsStoredAsFourComponentsAndReachesDisk();
     void sameColor_data();
     void sameColor();
@@ -87,47 +85,34 @@ void EditorToolbarTest::savedFill_data()
 {
     QTest::addColumn<QVariant>("opacity"); // invalid: none stored
     QTest::addColumn<QColor>("colour"); // invalid: none stored
+    QTest::addColumn<QString>("missing"); // a component taken out again after the colour was stored
     QTest::addColumn<QColor>("expected");
     QColor halfCyan = systemcolors::systemCyan();
     halfCyan.setAlphaF(0.5f);
-    QTest::newRow("nothing stored: opaque cyan") << QVariant() << QColor() << systemcolors::systemCyan();
-    QTest::newRow("the opacity tints the default") << QVariant(0.45) << QColor() << halfCyan;
-    QTest::newRow("a stored colour wins over the opacity") << QVariant(0.3) << QColor::fromRgbF(1, 1, 0, 0.8f)
-                                                           << QColor::fromRgbF(1, 1, 0, 0.8f);
+    const QColor yellow = QColor::fromRgbF(1, 1, 0, 0.8f);
+    QTest::newRow("nothing stored: opaque cyan") << QVariant() << QColor() << QString() << systemcolors::systemCyan();
+    QTest::newRow("the opacity tints the default") << QVariant(0.45) << QColor() << QString() << halfCyan;
+    QTest::newRow("a stored colour wins over the opacity") << QVariant(0.3) << yellow << QString() << yellow;
+    QTest::newRow("all zeros are a colour") << QVariant() << QColor::fromRgbF(0, 0, 0, 0) << QString()
+                                            << QColor::fromRgbF(0, 0, 0, 0);
+    QTest::newRow("without red: the default") << QVariant() << yellow << u".red"_s << systemcolors::systemCyan();
+    QTest::newRow("without alpha: the default") << QVariant(0.45) << yellow << u".alpha"_s << halfCyan;
 }
 
 void EditorToolbarTest::savedFill()
 {
     QFETCH(QVariant, opacity);
     QFETCH(QColor, colour);
+    QFETCH(QString, missing);
     QFETCH(QColor, expected);
     FakeKeyValueStore store;
     if (opacity.isValid())
         store.values.insert(opacityKey, opacity);
     if (colour.isValid())
         storeColour(store, fillKey, colour.redF(), colour.greenF(), colour.blueF(), colour.alphaF());
+    if (!missing.isEmpty())
+        store.values.remove(fillKey + missing);
     QCOMPARE(savedEditorTextFillColor(UserDefaults(store)), expected);
-    QCOMPARE(editorTextFillColor(UserDefaults(store)), expected);
-}
-
-void EditorToolbarTest::partlyStoredColourFallsBack_data()
-{
-    QTest::addColumn<QString>("missing");
-    QTest::newRow("no red") << u".red"_s;
-    QTest::newRow("no blue") << u".blue"_s;
-    QTest::newRow("no alpha") << u".alpha"_s;
-}
-
-void EditorToolbarTest::partlyStoredColourFallsBack()
-{
-    QFETCH(QString, missing);
-    FakeKeyValueStore store;
-    const UserDefaults defaults(store);
-    QCOMPARE(savedEditorStrokeColor(defaults), systemcolors::systemRed());
-    storeColour(store, strokeKey, 0, 0, 0, 0);
-    QCOMPARE(savedEditorStrokeColor(defaults), QColor::fromRgbF(0, 0, 0, 0));
-    store.values.remove(strokeKey + missing);
-    QCOMPARE(savedEditorStrokeColor(defaults), systemcolors::systemRed());
 }
 
 void EditorToolbarTest::colourIsStoredAsFourComponentsAndReachesDisk()
