@@ -10,26 +10,6 @@ app = Vistrel()
 wait_until(lambda: outputs(), 5)
 
 
-def overlays():
-    return [w for w in windows() if w["app_id"] == "vistrel" and w["visible"]]
-
-
-def select_by_binding(keys="shift+super+s"):
-    before = len(log_lines())
-    key(keys)
-    shown = wait_for_line("showSelectionWindow screens=", before, timeout=4)
-    if not shown:
-        # wtype brings a new keyboard with each call, and sway now and then drops its first press.
-        key(keys)
-        shown = wait_for_line("showSelectionWindow screens=", before)
-    if not check(shown, f"{keys} did not show the overlay through the sway binding"):
-        return False
-    check(wait_until(lambda: len(overlays()) == 2, 5), f"expected an overlay on each output, found {overlays()}")
-    # The compositor maps both windows and draws them; then the pointer enters the one under it.
-    time.sleep(0.4)
-    return True
-
-
 def captured(before, rect, label):
     """The file saved after log line `before` shows the desktop in `rect` (layout coordinates) at that
     output's pixels, and the clipboard serves the same picture as image/png."""

@@ -13,15 +13,12 @@ compared pixel for pixel."""
 import atexit
 import time
 
-import dbus
-from dbus.mainloop.glib import DBusGMainLoop
-from gi.repository import GLib
 from PIL import ImageChops, ImageFilter
 
 from vistrel_wayland import *  # noqa: F401,F403 - the helpers of these tests
 
-PORTAL = "org.freedesktop.portal.Desktop"
-PORTAL_PATH = "/org/freedesktop/portal/desktop"
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "helpers"))
+import gnome_desktop  # noqa: E402 - the portal's own picture, asked as a client would
 logs = {name: os.path.join(SESSION, name + ".log") for name in ("pipewire", "wlr", "gtk", "portal")}
 servers = []
 made = []
@@ -45,28 +42,6 @@ def start(name, *command):
 def portal_calls():
     with open(logs["portal"], encoding="utf-8", errors="replace") as log:
         return log.read().count("Handle Screenshot")
-
-
-def screenshot_uri():
-    """The URI of a whole-layout image, asked of the portal directly as a client would."""
-    DBusGMainLoop(set_as_default=True)
-    bus = dbus.SessionBus()
-    loop = GLib.MainLoop()
-    answer = {}
-
-    def responded(code, results):
-        answer.update(code=int(code), uri=str(results.get("uri", "")))
-        loop.quit()
-
-    token = "vistrel_e2e"
-    sender = bus.get_unique_name()[1:].replace(".", "_")
-    bus.add_signal_receiver(responded, "Response", "org.freedesktop.portal.Request",
-                            path=f"{PORTAL_PATH}/request/{sender}/{token}")
-    portal = dbus.Interface(bus.get_object(PORTAL, PORTAL_PATH), "org.freedesktop.portal.Screenshot")
-    portal.Screenshot("", {"handle_token": token, "interactive": False})
-    GLib.timeout_add_seconds(20, loop.quit)
-    loop.run()
-    return answer.get("uri") if answer.get("code") == 0 else None
 
 
 def blurred_like_the_portal(x, y, width, height):
@@ -101,10 +76,9 @@ if not check(wait_until(providing, 20), "xdg-desktop-portal offers no Screenshot
     finish("wayland portal capture")
 
 move(5, 5)
-uri = screenshot_uri()
+portal_file = gnome_desktop.screenshot()
 folder = None
-if check(uri and uri.startswith("file://"), f"the portal gave no file: {uri}"):
-    portal_file = uri[len("file://"):]
+if check(portal_file, "the portal gave no file"):
     folder = os.path.dirname(portal_file)
     os.remove(portal_file)
     unrelated = os.path.join(folder, f"vistrel-e2e-unrelated-{os.getpid()}.png")
@@ -122,13 +96,9 @@ for label, start_at, end_at in [("scale 1", (200, 150), (520, 390)), ("scale 2",
     expected = blurred_like_the_portal(*rect) if label == "scale 1" else screen_region(*rect)
     calls = portal_calls()
     before = len(log_lines())
-    key("shift+super+s")
-    if not check(wait_for_line("showSelectionWindow screens=2", before), f"{label}: no overlay on both outputs"):
+    if not select_by_binding():
         continue
     check(portal_calls() == calls + 1, f"{label}: the freeze made {portal_calls() - calls} portal calls, not one")
-    overlays = lambda: [w for w in windows() if w["app_id"] == "vistrel" and w["visible"]]  # noqa: E731
-    check(wait_until(lambda: len(overlays()) == 2, 5), f"{label}: expected an overlay on each output: {overlays()}")
-    time.sleep(0.4)  # the compositor draws both, then the pointer enters the one under it
     drag(start_at, end_at)
     path = wait_for_save(before)
     if check(path, f"{label}: nothing saved") and expected:

@@ -8,12 +8,13 @@ import json
 import os
 import subprocess
 import sys
+import time
 from collections import namedtuple
 
 from PIL import Image
 
 from vistrel_e2e import *  # noqa: F401,F403 - re-exported for the tests
-from vistrel_e2e import SESSION, check, run
+from vistrel_e2e import SESSION, check, log_lines, run, wait_for_line, wait_until
 
 WL_POINTER = sys.argv[2]
 
@@ -182,6 +183,29 @@ def windows():
 
     walk(swaymsg("-t", "get_tree"), None, False)
     return found
+
+
+def overlays():
+    """Vistrel's overlay windows that sway shows."""
+    return [w for w in windows() if w["app_id"] == "vistrel" and w["visible"]]
+
+
+def select_by_binding(keys="shift+super+s"):
+    """Presses a sway binding of `vistrel select` and waits for an overlay on each of the two outputs;
+    whether they showed."""
+    before = len(log_lines())
+    key(keys)
+    shown = wait_for_line("showSelectionWindow screens=", before, timeout=4)
+    if not shown:
+        # wtype brings a new keyboard with each call, and sway now and then drops its first press.
+        key(keys)
+        shown = wait_for_line("showSelectionWindow screens=", before)
+    if not check(shown, f"{keys} did not show the overlay through the sway binding"):
+        return False
+    check(wait_until(lambda: len(overlays()) == 2, 5), f"expected an overlay on each output, found {overlays()}")
+    # The compositor maps both windows and draws them; then the pointer enters the one under it.
+    time.sleep(0.4)
+    return True
 
 
 def close_windows():

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """GNOME's own services, for the GNOME end-to-end session and its tests: Mutter's monitor layout
-(org.gnome.Mutter.DisplayConfig), the Screenshot portal's picture of the whole layout (the pixel oracle),
-and input through Mutter's RemoteDesktop, whose absolute pointer moves within a ScreenCast stream of
-one monitor, in that monitor's pixels.
+(org.gnome.Mutter.DisplayConfig), the Screenshot portal's picture of the whole layout (the pixel oracle,
+which the sway portal test asks for too), and input through Mutter's RemoteDesktop, whose absolute
+pointer moves within a ScreenCast stream of one monitor, in that monitor's pixels.
 
   gnome_desktop.py layout CONNECTOR:X,Y,SCALE ...   the layout, in pixels (GNOME's default), first primary
   gnome_desktop.py screenshot PATH                  the portal's picture of the layout, moved to PATH
@@ -75,9 +75,9 @@ def set_layout(places):
     display_config().ApplyMonitorsConfig(serial, dbus.UInt32(1), logical, dbus.Dictionary({}, signature="sv"))
 
 
-def screenshot(path, timeout=20):
-    """The Screenshot portal's picture of the whole layout, non-interactive, moved to `path`; None when
-    the portal refused or did not answer."""
+def screenshot(path=None, timeout=20):
+    """The Screenshot portal's picture of the whole layout, non-interactive: the file the portal made, or
+    that file moved to `path`; None when the portal refused or did not answer."""
     token = f"vistrel_e2e_{os.getpid()}_{time.monotonic_ns()}"
     sender = BUS.get_unique_name()[1:].replace(".", "_")
     handle = f"/org/freedesktop/portal/desktop/request/{sender}/{token}"
@@ -92,6 +92,8 @@ def screenshot(path, timeout=20):
     if answer.get("code") != 0:
         return None
     made = str(answer["results"]["uri"]).removeprefix("file://")
+    if path is None:
+        return made
     shutil.move(made, path)
     return path
 
