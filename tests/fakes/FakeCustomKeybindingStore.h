@@ -6,11 +6,10 @@ class FakeCustomKeybindingStore final : public CustomKeybindingStore
 {
 public:
     void read(ReadCompletion completion) override { completion({keybindings, readError}); }
-    void write(const QList<Keybinding> &entries, const QStringList &paths, WriteCompletion completion) override
+    void write(const QList<Keybinding> &entries, const QStringList &, WriteCompletion completion) override
     {
         ++writes;
         writtenEntries = entries;
-        writtenPaths = paths;
         completion(writeError);
     }
 
@@ -19,5 +18,4 @@ public:
     std::optional<QString> writeError;
     int writes = 0;
     QList<Keybinding> writtenEntries;
-    QStringList writtenPaths;
 };

@@ -69,7 +69,6 @@ public:
         QStringList closedSessions;
     };
 
-    explicit FakeGlobalShortcutsPortal(const QString &busAddress) : FakeGlobalShortcutsPortal(busAddress, Script()) {}
     FakeGlobalShortcutsPortal(const QString &busAddress, Script script)
         : m_script(std::move(script)),
           m_bus(QDBusConnection::connectToBus(busAddress, QStringLiteral("fake-portal"))), m_service(*this)
