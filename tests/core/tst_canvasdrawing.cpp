@@ -68,7 +68,6 @@ void CanvasDrawingTest::dragDrawsOneOverlayOfTheTool_data()
         QTest::newRow(qPrintable(editortool::rawValue(tool))) << tool << drag << QPointF(110, 170) << QList<QPointF>();
     const QList<QPointF> click{{10, 250}};
     QTest::newRow("click: rectangle of no size") << EditorTool::Rectangle << click << click.first() << QList<QPointF>();
-    QTest::newRow("click: arrow dot") << EditorTool::Arrow << click << click.first() << QList<QPointF>();
     QTest::newRow("click: freehand dot of two points") << EditorTool::Freehand << click << click.first()
                                                        << QList<QPointF>{click.first(), click.first()};
 }

@@ -201,7 +201,6 @@ void ShortcutGuidanceTest::tellsOnce_data()
     // Stored by hand or by another version: read as the preferences read booleans.
     row("no tray: stored as the text YES, told", Notice::Trayless, {Binder::Portal}, {}, u" YES"_s);
     row("no tray: stored as the text no, not told yet", Notice::Trayless, {Binder::Portal}, keys, u"no"_s);
-    row("no tray: stored as 0, not told yet", Notice::Trayless, {Binder::Portal}, keys, 0);
     row("no tray: stored as a list, not told yet", Notice::Trayless, {Binder::Portal}, keys, QStringList{u"1"_s});
 
     const QString dialog = u"続いて GNOME が、スクリーンショットの撮影を許可するか尋ねます。"
