@@ -52,50 +52,40 @@ class QtDialogsTest : public QObject
     Q_OBJECT
 
 private slots:
-    void folderChooserOffersFoldersOnly_data();
-    void folderChooserOffersFoldersOnly();
-    void openPanelOffersOneImage_data();
-    void openPanelOffersOneImage();
+    void fileDialogsOfferWhatIsAskedFor_data();
+    void fileDialogsOfferWhatIsAskedFor();
     void offerTellsWhichButtonWasChosen_data();
     void offerTellsWhichButtonWasChosen();
     void noticeShowsItsTexts();
 };
 
-void QtDialogsTest::folderChooserOffersFoldersOnly_data()
+void QtDialogsTest::fileDialogsOfferWhatIsAskedFor_data()
 {
+    QTest::addColumn<bool>("folder"); // else an image to open
     QTest::addColumn<bool>("accepted");
-    QTest::newRow("chosen") << true;
-    QTest::newRow("cancelled") << false;
+    QTest::newRow("folder chosen") << true << true;
+    QTest::newRow("folder chooser cancelled") << true << false;
+    QTest::newRow("image chosen") << false << true;
+    QTest::newRow("open panel cancelled") << false << false;
 }
 
-void QtDialogsTest::folderChooserOffersFoldersOnly()
+void QtDialogsTest::fileDialogsOfferWhatIsAskedFor()
 {
+    QFETCH(bool, folder);
     QFETCH(bool, accepted);
-    QTemporaryDir folder;
-    QVERIFY(QDir(folder.path()).mkdir(u"shots"_s));
+    QTemporaryDir dir;
+    const QString path = dir.filePath(folder ? u"shots"_s : u"shot.png"_s);
+    QVERIFY(folder ? QDir(dir.path()).mkdir(u"shots"_s) : QImage(4, 4, QImage::Format_RGB32).save(path));
     FileDialogSeen seen;
-    answerFileDialog(seen, folder.filePath(u"shots"_s), accepted);
-    QCOMPARE(QtFolderChooser().chooseFolder(folder.path(), u"選択"_s),
-             accepted ? std::optional(folder.filePath(u"shots"_s)) : std::nullopt);
-    QCOMPARE(seen.prompt, u"選択"_s);
-    QCOMPARE(seen.mode, QFileDialog::Directory);
-}
-
-void QtDialogsTest::openPanelOffersOneImage_data()
-{
-    folderChooserOffersFoldersOnly_data();
-}
-
-void QtDialogsTest::openPanelOffersOneImage()
-{
-    QFETCH(bool, accepted);
-    QTemporaryDir folder;
-    const QString picture = folder.filePath(u"shot.png"_s);
-    QImage(4, 4, QImage::Format_RGB32).save(picture);
-    FileDialogSeen seen;
-    answerFileDialog(seen, picture, accepted);
+    answerFileDialog(seen, path, accepted);
+    if (folder) {
+        QCOMPARE(QtFolderChooser().chooseFolder(dir.path(), u"選択"_s), accepted ? std::optional(path) : std::nullopt);
+        QCOMPARE(seen.prompt, u"選択"_s);
+        QCOMPARE(seen.mode, QFileDialog::Directory);
+        return;
+    }
     const OpenPanel::Request request = EditorImageSources::imagePanelRequest();
-    QCOMPARE(QtOpenPanel().runModal(request), accepted ? std::optional(QUrl::fromLocalFile(picture)) : std::nullopt);
+    QCOMPARE(QtOpenPanel().runModal(request), accepted ? std::optional(QUrl::fromLocalFile(path)) : std::nullopt);
     QCOMPARE(seen.prompt, u"開く"_s);
     QCOMPARE(seen.mode, QFileDialog::ExistingFile);
     QCOMPARE(seen.filters, request.allowedContentTypes);
