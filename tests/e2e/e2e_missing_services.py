@@ -126,11 +126,8 @@ def capture_edit_save(label, app, shortcut, notified):
         check(texts == {NOTIFICATION}, f"{label}: the notifications read {texts}")
     time.sleep(0.5)
     key("Return")
-    edited = path[:-len(".png")] + "_edited.png"
-    check(wait_until(lambda: os.path.exists(edited)), f"{label}: {os.path.basename(edited)} was not written")
-    time.sleep(0.3)
-    check(os.path.exists(edited) and differs(saved, Image.open(edited)) is None,
-          f"{label}: the unchanged edit differs from the capture")
+    edited = saved_beside(path)
+    check(edited and differs(saved, edited) is None, f"{label}: the unchanged edit differs from the capture")
     check(wait_until(lambda: not editor_windows()), f"{label}: the editor stayed open after saving")
 
 

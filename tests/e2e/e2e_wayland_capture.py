@@ -113,13 +113,12 @@ if check(wait_for_line("screen parameters changed: ", before), "the scale change
             if check(editor, f"the notification did not open a focused editor: {windows()}"):
                 time.sleep(0.5)
                 key("Return")
-                edited = path[:-len(".png")] + "_edited.png"
-                if check(wait_until(lambda: os.path.exists(edited), 10), "Return in the editor saved nothing"):
-                    time.sleep(0.3)
-                    problem = differs(Image.open(path), Image.open(edited))
+                edited = saved_beside(path)
+                if edited:
+                    problem = differs(Image.open(path), edited)
                     check(problem is None, f"the edited picture without overlays differs from the capture: {problem}")
                     clip = clipboard_png()
-                    check(clip is None or differs(Image.open(edited), clip) is None,
+                    check(clip is None or differs(edited, clip) is None,
                           "the clipboard does not serve the edited picture")
 swaymsg("output", "HEADLESS-2", "scale", "2")
 

@@ -180,6 +180,14 @@ def wait_for_save(after):
     return line.split("path=", 1)[1] if line else None
 
 
+def saved_beside(source, timeout=10):
+    """The edited picture the editor saved beside `source` (NAME_edited.png), once written; None when not."""
+    edited = source[:-len(".png")] + "_edited.png"
+    check(wait_until(lambda: os.path.exists(edited), timeout), f"{os.path.basename(edited)} was not written")
+    time.sleep(0.3)
+    return Image.open(edited) if os.path.exists(edited) else None
+
+
 def background():
     return Image.open(os.environ["VISTREL_E2E_BACKGROUND"]).convert("RGB")
 

@@ -95,13 +95,6 @@ def press(window, name):
         a11y.click(button)
 
 
-def saved_beside(source, timeout=10):
-    edited = source[:-len(".png")] + "_edited.png"
-    check(wait_until(lambda: os.path.exists(edited), timeout), f"{os.path.basename(edited)} was not written")
-    time.sleep(0.3)
-    return Image.open(edited) if os.path.exists(edited) else None
-
-
 def compare(actual, expected, what):
     if actual is None or expected is None:
         return
