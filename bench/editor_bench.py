@@ -14,7 +14,8 @@ editors taking turns:
   its editor window is closed.
 
 The picture is the 4K desk of mkdesk.py crossed by magenta stripes. --smoke runs Vistrel alone at
-1920x1080, briefly, and fails unless every open and every motion was seen.
+1920x1080, briefly, and fails unless every open and every motion was seen and, once the editor closed,
+Vistrel's anonymous memory came back to within 10 MiB of idle (the picture alone is 32 MiB).
 
 usage: editor_bench.py VISTREL LATENCY_PROBE CACHE_FOLDER [--rounds N] [--motions N] [--sizes WxH,...]
                        [--smoke] [--json FILE]"""
@@ -184,7 +185,8 @@ def measure_size(session, vistrel_program, probe, source, rounds, motions, with_
 
 
 def complete(report):
-    """Problems that make a smoke run fail: an open or a motion that was never seen."""
+    """Problems that make a smoke run fail: an open or a motion that was never seen, memory the closed
+    editor kept."""
     problems = []
     for key, result in report.items():
         for name, entry in result["open"].items():
@@ -195,6 +197,10 @@ def complete(report):
                 problems.append(f"{key}: Vistrel {name}: {samples['missed']} of {samples['motions']} motions unseen")
         if not result["drawing"]["Vistrel"]:
             problems.append(f"{key}: no drawing was measured")
+        memory = result["memory"]["Vistrel"]
+        kept = memory["editor closed"][-1]["RssAnon"] - memory["idle, no editor opened yet"][0]["RssAnon"]
+        if kept > 10:
+            problems.append(f"{key}: the closed editor kept {kept:.1f} MiB of anonymous memory over idle")
     return problems
 
 

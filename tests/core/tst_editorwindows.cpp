@@ -41,6 +41,7 @@ private slots:
     void contentSize_data();
     void contentSize();
     void detachedWindowsAreForgottenWhenTheyClose();
+    void primaryWindowClosesAndIsMadeAgain_data();
     void primaryWindowClosesAndIsMadeAgain();
     void withoutWindowsTheEditorSaysWhatItCannotShow();
     void dropTargetOpensTheFirstFile_data();
@@ -250,22 +251,55 @@ void EditorWindowsTest::detachedWindowsAreForgottenWhenTheyClose()
     QVERIFY(!f.windows.isAlive(second));
 }
 
+void EditorWindowsTest::primaryWindowClosesAndIsMadeAgain_data()
+{
+    QTest::addColumn<int>("way");
+    QTest::newRow("cancel in the editor") << 0;
+    QTest::newRow("quit shortcut") << 1;
+    QTest::newRow("close button of the title bar") << 2;
+}
+
+// However it closes, the primary window goes, and the document it showed with it: a 4K picture and its
+// undo history do not wait in memory for the next capture.
 void EditorWindowsTest::primaryWindowClosesAndIsMadeAgain()
 {
+    QFETCH(int, way);
     EditorManagerFixture f;
-    f.handOff(EditorManagerFixture::picture(), f.saved(EditorManagerFixture::picture()));
-    f.manager.openEditor(false);
+    f.openWithoutNotification(false);
+    const QImage picture = EditorManagerFixture::picture(64, 48, Qt::magenta);
+    f.handOff(picture, shotA);
     FakeEditorWindow *first = f.primary();
-    first->contentAs<ImageEditorView>()->cancel();
+    QVERIFY(!picture.isDetached()); // the document shares the picture's pixels
+    if (way == 0)
+        first->contentAs<ImageEditorView>()->cancel();
+    else if (way == 1)
+        first->onQuitShortcut();
+    else
+        first->userCloses();
     QVERIFY(!f.manager.editorWindow());
     QCOMPARE(first->closeCount, 1);
+    QVERIFY(f.windows.isAlive(first)); // not from inside its own close
     f.scheduler.runUntilIdle();
     QVERIFY(!f.windows.isAlive(first));
+    QVERIFY(picture.isDetached());
+    // A late click on an old notification finds no document left and offers the launcher.
+    f.manager.openEditor(false);
+    QVERIFY(f.primary()->contentAs<EditorDropTargetView>());
+    f.primary()->onQuitShortcut();
+    // A capture handed over while the window closes is not what it showed, and still opens.
+    f.handOff(EditorManagerFixture::picture(), shotA);
+    f.manager.scheduleEditNotification(picture, shotB);
+    f.primary()->userCloses();
+    f.scheduler.runUntilIdle();
+    const std::shared_ptr<ImageEditorView> next = f.primary()->contentAs<ImageEditorView>();
+    QVERIFY(next);
+    QCOMPARE(next->model().image(), picture);
+    f.primary()->onQuitShortcut();
 
-    // The launcher forgets the prepared document and offers the drop target, which cancels too.
+    // The launcher forgets a document prepared for a click and offers the drop target, which cancels too.
+    f.settings.setOpenEditorViaNotification(true);
     f.handOff(EditorManagerFixture::picture(), shotA);
     f.manager.openEditorLauncher();
-    QCOMPARE(f.windows.windows.size(), qsizetype(2));
     QVERIFY(f.primary()->isVisible);
     const std::shared_ptr<EditorDropTargetView> dropTarget = f.primary()->contentAs<EditorDropTargetView>();
     QVERIFY(dropTarget);

@@ -114,6 +114,8 @@ void ImageEditorManager::showEditorWindow(bool openInNewWindow)
         std::shared_ptr<EditorWindow> window = makeWindow(contentSize);
         window->setContent(root);
         window->onQuitShortcut = [this] { closePrimaryEditor(); };
+        // Its close button closes it as surely as the editor's own cancel.
+        m_editorWindowCloseObserver = window->addWillCloseObserver([this] { forgetPrimaryEditor(); });
         m_editorWindow = std::move(window);
     }
     m_editorWindow->setMinimumSize(minimumWindowSize);
@@ -174,9 +176,21 @@ void ImageEditorManager::closePrimaryEditor()
 {
     if (!m_editorWindow)
         return;
-    std::shared_ptr<EditorWindow> window = std::move(m_editorWindow);
-    m_editorWindow.reset();
-    window->close();
+    m_editorWindow->removeWillCloseObserver(m_editorWindowCloseObserver);
+    m_editorWindow->close();
+    forgetPrimaryEditor();
+}
+
+void ImageEditorManager::forgetPrimaryEditor()
+{
+    std::shared_ptr<EditorWindow> window = std::exchange(m_editorWindow, nullptr);
+    // The document it showed goes too (a 4K picture is 32 MiB, more with its undo history); one
+    // prepared since for a click on a later notification stays.
+    const std::shared_ptr<ImageEditorView> shown = std::exchange(m_primaryView, {}).lock();
+    if (m_model && shown && &shown->model() == m_model.get()) {
+        m_model.reset();
+        m_sourceFileURL.reset();
+    }
     releaseLater(std::move(window));
 }
 

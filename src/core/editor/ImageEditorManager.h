@@ -23,8 +23,8 @@ class ImageEditorModel;
 // clipboard), prepares its document, decides whether it opens at once or after the user clicks a
 // notification, and whether it replaces what the primary window shows or opens an extra window; and
 // it saves the edited result. A capture waiting for the click is kept as its saved file only and read
-// again on the click, so no frame stays in memory between captures. Main thread only; notification
-// replies and the outcomes of saves are posted back to it.
+// again on the click, so no frame stays in memory between captures, nor once the window that showed it
+// has closed. Main thread only; notification replies and the outcomes of saves are posted back to it.
 class ImageEditorManager final : public EditorCommands, public EditorHandOff
 {
 public:
@@ -67,6 +67,8 @@ private:
                                   const std::optional<QUrl> &sourceURL);
     void closeDetachedEditorWindow(EditorWindow *window);
     void closePrimaryEditor();
+    // The primary window closed: it is released after the current event, with the document it showed.
+    void forgetPrimaryEditor();
     EditorRootView makePrimaryEditorRootView();
     // Room for the picture, the canvas margin and the tool bars, never beyond the visible screen.
     QSizeF editorContentSize(std::optional<QSizeF> imageSize) const;
@@ -84,6 +86,7 @@ private:
     EditorImageSources m_sources;
 
     std::shared_ptr<EditorWindow> m_editorWindow;
+    EditorWindow::ObserverToken m_editorWindowCloseObserver = 0;
     // The editor the primary window shows: a save closes the window only if it still shows it.
     std::weak_ptr<ImageEditorView> m_primaryView;
     std::shared_ptr<ImageEditorModel> m_model;
