@@ -9,7 +9,11 @@ openbox, a tray, a private session bus with a notification server that shows not
 - mouse-up -> PNG on disk, for Vistrel;
 - resident memory (/proc/PID/status) of each, idle after start and after 1, 2 and 10 captures.
 
-usage: app_latency.py VISTREL LATENCY_PROBE CACHE_FOLDER [--rounds N] [--configurations ...] [--json FILE]"""
+--smoke runs Vistrel alone at 1920x1080 for two rounds and two captures, and fails unless every trigger
+mapped the overlay and changed the pixels and every mouse-up gave a PNG.
+
+usage: app_latency.py VISTREL LATENCY_PROBE CACHE_FOLDER [--rounds N] [--configurations ...] [--smoke]
+                      [--json FILE]"""
 import argparse
 import json
 import os
@@ -183,7 +187,7 @@ def median(values):
     return round(statistics.median(values), 1) if values else None
 
 
-def latency(session, vistrel, probe, rounds, with_peers):
+def latency(session, vistrel, probe, rounds, saves, with_peers):
     bench = Bench(session, vistrel, probe)
     result = {"load": load_average()}
     try:
@@ -207,12 +211,13 @@ def latency(session, vistrel, probe, rounds, with_peers):
                 samples[name].append(trigger())
         for name, values in samples.items():
             result[name] = {"map_ms": median([v.get("map_ms") for v in values]),
+                            "map_missed": sum(1 for v in values if v.get("map_ms") is None),
                             "pixels_ms": median([v.get("pixels_ms") for v in values]),
                             "pixels_range": [min((v.get("pixels_ms") or 1e9) for v in values),
                                              max((v.get("pixels_ms") or 0) for v in values)],
                             "missed": sum(1 for v in values if v.get("pixels_ms") is None)}
-        saves = [bench.capture_with_vistrel() for _ in range(max(3, rounds // 2))]
-        result["vistrel mouse-up to PNG"] = {"save_ms": median(saves), "missed": saves.count(None)}
+        times = [bench.capture_with_vistrel() for _ in range(saves)]
+        result["vistrel mouse-up to PNG"] = {"save_ms": median(times), "missed": times.count(None)}
     finally:
         bench.stop()
     result["load"] += f"..{load_average()}"
@@ -249,6 +254,29 @@ def footprint(session, vistrel, probe, size, with_peers):
     return result
 
 
+def complete(report):
+    """Problems that make a smoke run fail: a trigger whose overlay never mapped or never changed the
+    pixels, a mouse-up that gave no PNG, a figure that is not a positive number."""
+    def positive(value):
+        return isinstance(value, (int, float)) and value > 0
+
+    problems = []
+    for key, result in report.items():
+        if key.startswith("memory"):
+            continue
+        first = result.get("vistrel first") or {}
+        if not positive(first.get("map_ms")) or not positive(first.get("pixels_ms")):
+            problems.append(f"{key}: the first trigger gave {first}")
+        triggers = result.get("vistrel") or {}
+        if triggers.get("map_missed") != 0 or triggers.get("missed") != 0 \
+                or not all(positive(triggers.get(name)) for name in ("map_ms", "pixels_ms")):
+            problems.append(f"{key}: the triggers gave {triggers}")
+        saves = result.get("vistrel mouse-up to PNG") or {}
+        if saves.get("missed") != 0 or not positive(saves.get("save_ms")):
+            problems.append(f"{key}: the mouse-ups gave {saves}")
+    return problems
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("vistrel")
@@ -256,12 +284,19 @@ def main():
     parser.add_argument("cache")
     parser.add_argument("--rounds", type=int, default=11)
     parser.add_argument("--configurations", default="3840x2160x1,3840x2160x2,1920x1080x1,1920x1080x2")
+    parser.add_argument("--smoke", action="store_true")
     parser.add_argument("--json")
     arguments = parser.parse_args()
-    missing = [tool for tool in ["flameshot", "spectacle", "openbox", "trayer", "xdotool", "Xvfb"]
-               if not shutil.which(tool)]
+    saves = max(3, arguments.rounds // 2)
+    if arguments.smoke:
+        arguments.rounds, saves, arguments.configurations = 2, 2, "1920x1080x1"
+    # The desk is put on the root with ImageMagick's display: on a black root the dimming changes nothing.
+    needed = ["openbox", "trayer", "xdotool", "xprop", "display", "Xvfb"] + \
+        ([] if arguments.smoke else ["flameshot", "spectacle"])
+    missing = [tool for tool in needed if not shutil.which(tool)]
     if missing:
-        sys.exit(f"app_latency.py: missing {', '.join(missing)} (scripts/setup.sh bench installs them)")
+        print(f"app_latency.py: missing {', '.join(missing)} (scripts/setup.sh bench installs them)", file=sys.stderr)
+        sys.exit(77)
     report = {}
     for configuration in arguments.configurations.split(","):
         width, height, monitors = (int(v) for v in configuration.split("x"))
@@ -271,9 +306,10 @@ def main():
                                  stdout=subprocess.PIPE, text=True)
         quiet.stdout.readline()
         try:
-            report[key] = latency(session, arguments.vistrel, arguments.probe, arguments.rounds, True)
+            report[key] = latency(session, arguments.vistrel, arguments.probe, arguments.rounds, saves,
+                                  not arguments.smoke)
             print(key, json.dumps(report[key]), file=sys.stderr)
-            if width == 3840 and monitors == 1:
+            if width == 3840 and monitors == 1 and not arguments.smoke:
                 for size, with_peers in [((1280, 720), True), (None, False)]:
                     key = "memory at 3840x2160" + (", large captures" if size is None else "")
                     report[key] = footprint(session, arguments.vistrel, arguments.probe, size, with_peers)
@@ -283,6 +319,10 @@ def main():
             quiet.wait()
             session.close()
     publish(report, arguments.json)
+    problems = complete(report) if arguments.smoke else []
+    for problem in problems:
+        print(f"app_latency.py: {problem}", file=sys.stderr)
+    sys.exit(1 if problems else 0)
 
 
 if __name__ == "__main__":
