@@ -72,8 +72,7 @@ private slots:
     void savingSection();
     void editorAndLoginToggles();
     void updateSection();
-    void closingHides();
-    void framesInTheGlobalSpace();
+    void framesInTheGlobalSpaceAndClosingHides();
 };
 
 void QtSettingsWindowTest::windowAndEveryText()
@@ -225,23 +224,7 @@ void QtSettingsWindowTest::updateSection()
     QCOMPARE(f.application.activateCount, 1);
 }
 
-void QtSettingsWindowTest::closingHides()
-{
-    // That Ctrl+Q closes it and Vistrel goes on, the end-to-end test shows; which keys close it, the rules' table.
-    Fixture f;
-    f.window.makeKeyAndOrderFront();
-    QVERIFY(f.window.isVisible());
-    QVERIFY(f.widget().close());
-    QVERIFY(!f.window.isVisible());
-
-    // The same window comes back, as it was left.
-    f.settings.setFilenamePrefix(u"Again"_s);
-    f.window.makeKeyAndOrderFront();
-    QVERIFY(f.window.isVisible());
-    QCOMPARE(f.form().prefixField()->text(), u"Again"_s);
-}
-
-void QtSettingsWindowTest::framesInTheGlobalSpace()
+void QtSettingsWindowTest::framesInTheGlobalSpaceAndClosingHides()
 {
     Fixture f;
     f.window.makeKeyAndOrderFront();
@@ -254,6 +237,15 @@ void QtSettingsWindowTest::framesInTheGlobalSpace()
     const std::optional<Rect> visible = f.window.screenVisibleFrame();
     QVERIFY(visible);
     QCOMPARE(visible->height(), double(QGuiApplication::primaryScreen()->availableGeometry().height()));
+
+    // That Ctrl+Q closes it and Vistrel goes on, the end-to-end test shows; which keys close it, the rules' table.
+    QVERIFY(f.widget().close());
+    QVERIFY(!f.window.isVisible());
+    // The same window comes back, as it was left.
+    f.settings.setFilenamePrefix(u"Again"_s);
+    f.window.makeKeyAndOrderFront();
+    QVERIFY(f.window.isVisible());
+    QCOMPARE(f.form().prefixField()->text(), u"Again"_s);
 }
 
 QTEST_MAIN(QtSettingsWindowTest)
