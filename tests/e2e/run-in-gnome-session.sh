@@ -126,9 +126,4 @@ user gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedes
   --method org.freedesktop.DBus.StartServiceByName org.gnome.Shell.Notifications 0 >/dev/null
 wait_for has_name org.freedesktop.Notifications || fail "GNOME Shell serves no notifications"
 
-user "$@"
-status=$?
-if [ -n "$session_output" ] && [ -n "$(ls -A "$VISTREL_E2E_OUTPUT")" ]; then
-  mkdir -p "$session_output" && cp -r "$VISTREL_E2E_OUTPUT"/. "$session_output"/
-fi
-exit $status
+session_run "$@"

@@ -59,9 +59,7 @@ wait_for sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"' ||
 
 dunst >"$session/dunst.log" 2>&1 &
 pids+=($!)
-# Asked of the bus, not of dunst: a call to the server would have the bus start a second one.
-wait_for sh -c 'dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
-  org.freedesktop.DBus.NameHasOwner string:org.freedesktop.Notifications | grep -q "boolean true"' || fail "dunst did not start: $(cat "$session/dunst.log")"
+wait_for has_name org.freedesktop.Notifications || fail "dunst did not start: $(cat "$session/dunst.log")"
 
 # The background: the desk image at the screen's size, made once per size and kept in the cache.
 if [ -z "$background" ]; then

@@ -11,6 +11,7 @@ session_begin() {
   session=$(mktemp -d "${TMPDIR:-/tmp}/vistrel-${script_name%.sh}.XXXXXX")
   chmod 755 "$session"
   pids=()
+  as_user=()
   trap session_teardown EXIT
   trap 'exit 130' INT TERM
 }
@@ -118,12 +119,17 @@ session_user_bus() {
   export VISTREL_E2E_OUTPUT="$user_dir/output" QT_QPA_PLATFORM=wayland PYTHONDONTWRITEBYTECODE=1
 }
 
-# The notification server, then the command as the user; its output folder is copied to the one the
-# caller named, and its exit status is the script's.
+# The notification server (dunst), then session_run.
 session_run_with_notifications() {
   "${as_user[@]}" dunst >"$session/dunst.log" 2>&1 &
   pids+=($!)
   wait_for has_name org.freedesktop.Notifications || fail "dunst did not start: $(cat "$session/dunst.log")"
+  session_run "$@"
+}
+
+# The command as the user; its output folder is copied to the one the caller named, and its exit status
+# is the script's.
+session_run() {
   user "$@"
   local status=$?
   if [ -n "$session_output" ] && [ -n "$(ls -A "$VISTREL_E2E_OUTPUT")" ]; then
