@@ -3,7 +3,7 @@
 display and of a region, pixel for pixel against the desktop, to a file and to standard output; wrong
 regions, unwritable files and commands that need a running Vistrel fail with one line and a non-zero
 status; a capture without -o is saved as captures are and reaches the clipboard through the running
-instance, which also takes select and edit."""
+instance, which also opens a file named by a relative path in the editor."""
 import io
 import os
 
@@ -87,7 +87,7 @@ if check(result.returncode == 0 and path, f"capture without -o: {result.returnco
     check(result.stderr == "vistrel: the capture was not put on the clipboard: Vistrel is not running "
                            "(start it with: vistrel)\n", f"capture without an instance said {result.stderr!r}")
 
-# With the instance running: the clipboard, the selection and the editor.
+# With the instance running: the clipboard and the editor.
 app = Vistrel()
 os.remove(path)
 result = vistrel("capture", "--display", right[0] if right else "0")
@@ -100,14 +100,6 @@ if check(result.returncode == 0 and path and result.stderr == "",
         image = clipboard_png()
         check(image is not None and differs(Image.open(path), image) is None,
               "the clipboard holds another picture than the saved capture")
-
-before = len(log_lines())
-result = vistrel("select")
-check(result.returncode == 0, f"select with Vistrel running: {result.returncode} {result.stderr!r}")
-if check(wait_for_line("showSelectionWindow screens=2", before), "select did not show the overlay"):
-    wait_until(lambda: len(overlay_windows()) == 2, timeout=5)
-    key("Escape")
-    check(wait_until(lambda: overlay_windows() == [], 5), "Escape left the overlay up")
 
 result = vistrel("edit", os.path.relpath(path))
 check(result.returncode == 0, f"edit with Vistrel running: {result.returncode} {result.stderr!r}")
