@@ -8,7 +8,7 @@ set -euo pipefail
 build=(g++ cmake ninja-build ccache pkg-config
        qt6-base-dev qt6-base-dev-tools qt6-image-formats-plugins
        libpng-dev libdeflate-dev zlib1g-dev
-       libxcb1-dev libxcb-shm0-dev libxcb-keysyms1-dev libxcb-randr0-dev libxcb-xtest0-dev x11proto-dev
+       libxcb1-dev libxcb-shm0-dev libxcb-render0-dev libxcb-keysyms1-dev libxcb-randr0-dev libxcb-xtest0-dev x11proto-dev
        libcanberra-dev libbenchmark-dev libwayland-dev wayland-protocols qt6-wayland
        fonts-dejavu-core fonts-noto-cjk sound-theme-freedesktop)
 test=(libxcb-xfixes0-dev libxcb-xkb-dev xvfb xauth openbox dunst dbus dbus-x11 xdotool xclip x11-xserver-utils x11-utils

@@ -73,7 +73,8 @@ LinuxPlatform::LinuxPlatform(std::unique_ptr<LinuxSystemLog> systemLog, SessionA
       m_selectionWindows(std::make_unique<QtSelectionWindowFactory>(
           *m_session.displays, *m_session.inputGrab,
           m_session.overlaysFillScreens ? QtSelectionWindowFactory::Placement::FillScreen
-                                        : QtSelectionWindowFactory::Placement::Frame)),
+                                        : QtSelectionWindowFactory::Placement::Frame,
+          m_session.overlayPainter.get())),
       m_editorWindows(std::make_unique<QtEditorWindowFactory>()),
       m_alerts(std::make_unique<QtAlertPresenter>()),
       m_openPanel(std::make_unique<QtOpenPanel>()),

@@ -7,6 +7,7 @@
 
 class CanberraSoundPlayer;
 class Cursor;
+class DirectWindowPainter;
 class HotKeyRegistrar;
 class InputGrab;
 class Pasteboard;
@@ -23,6 +24,9 @@ struct SessionAdapters
     std::unique_ptr<QtScreensDisplayProvider> displays;
     std::unique_ptr<Cursor> cursor;
     std::unique_ptr<ScreenCapturer> screenCapturer;
+    // Paints the overlay windows where the window system holds the frozen screen (X11); may be null.
+    // Reads the capturer's segments, so it goes first.
+    std::unique_ptr<DirectWindowPainter> overlayPainter;
     std::unique_ptr<ScreenCapturePermission> permission;
     std::unique_ptr<WindowList> windowList;
     std::unique_ptr<Pasteboard> pasteboard;

@@ -3,6 +3,7 @@
 #include "CanberraSoundPlayer.h"
 #include "QtCursor.h"
 #include "QtPasteboard.h"
+#include "X11DirectWindowPainter.h"
 #include "X11DisplayProvider.h"
 #include "X11HotKeyRegistrar.h"
 #include "X11InputGrab.h"
@@ -24,6 +25,7 @@ SessionAdapters adapters(xcb_connection_t *connection)
     set.cursor = std::make_unique<QtCursor>(*displays);
     auto capturer = std::make_unique<X11ScreenCapturer>(connection, *displays);
     set.prepareCapture = [reader = capturer.get()] { reader->prepare(); };
+    set.overlayPainter = X11DirectWindowPainter::make(connection, *capturer);
     set.screenCapturer = std::move(capturer);
     set.displays = std::move(displays);
     set.permission = std::make_unique<X11ScreenCapturePermission>();

@@ -7,8 +7,8 @@
 #include "platform/DisplayProvider.h"
 
 QtSelectionWindowFactory::QtSelectionWindowFactory(const DisplayProvider &displays, InputGrab &grab,
-                                                   Placement placement)
-    : m_displays(displays), m_grab(grab), m_placement(placement)
+                                                   Placement placement, DirectWindowPainter *painter)
+    : m_displays(displays), m_grab(grab), m_placement(placement), m_painter(painter)
 {
 }
 
@@ -20,7 +20,7 @@ QtSelectionWindowFactory::~QtSelectionWindowFactory()
 std::unique_ptr<SelectionWindow> QtSelectionWindowFactory::makeSelectionWindow()
 {
     if (m_prepared.empty()) {
-        m_widgets.push_back(std::make_unique<SelectionOverlayWidget>());
+        m_widgets.push_back(std::make_unique<SelectionOverlayWidget>(m_painter));
         m_widgets.back()->setWindowTitle(QStringLiteral("Vistrel"));
     } else {
         m_widgets.push_back(std::move(m_prepared.front()));
@@ -34,7 +34,7 @@ void QtSelectionWindowFactory::prepare()
 {
     const QList<DisplayInfo> displays = m_displays.screens();
     while (m_prepared.size() < size_t(displays.size())) {
-        auto widget = std::make_unique<SelectionOverlayWidget>();
+        auto widget = std::make_unique<SelectionOverlayWidget>(m_painter);
         widget->setWindowTitle(QStringLiteral("Vistrel"));
         // Placed as a selection would place it, so showing it later neither moves nor resizes it.
         QtSelectionWindow(widget.get(), m_displays, m_grab, m_placement == Placement::FillScreen)

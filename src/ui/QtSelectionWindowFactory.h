@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+class DirectWindowPainter;
 class DisplayProvider;
 class InputGrab;
 class SelectionOverlayWidget;
@@ -18,7 +19,9 @@ public:
     // screen on the display under its frame (Wayland, where only the compositor places windows).
     enum class Placement { Frame, FillScreen };
 
-    QtSelectionWindowFactory(const DisplayProvider &displays, InputGrab &grab, Placement placement = Placement::Frame);
+    // `painter`, when given, paints the windows without Qt's backing store.
+    QtSelectionWindowFactory(const DisplayProvider &displays, InputGrab &grab, Placement placement = Placement::Frame,
+                             DirectWindowPainter *painter = nullptr);
     ~QtSelectionWindowFactory() override;
 
     std::unique_ptr<SelectionWindow> makeSelectionWindow() override;
@@ -32,6 +35,7 @@ private:
     const DisplayProvider &m_displays;
     InputGrab &m_grab;
     Placement m_placement;
+    DirectWindowPainter *m_painter;
     std::vector<std::unique_ptr<SelectionOverlayWidget>> m_widgets;
     // Made by prepare() and not handed out yet, in display order.
     std::vector<std::unique_ptr<SelectionOverlayWidget>> m_prepared;

@@ -2,24 +2,56 @@
 
 #include "MacKeyCodes.h"
 
+#include "DirectWindowPainter.h"
+
+#include "capture/SelectionDamage.h"
+#include "capture/SelectionPainting.h"
 #include "capture/SelectionView.h"
 #include "platform/SelectionWindow.h"
 
 #include <QBackingStore>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
+#include <QWindow>
 
-SelectionOverlayWidget::SelectionOverlayWidget()
-    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint
-                           | Qt::X11BypassWindowManagerHint | Qt::NoDropShadowWindowHint)
+namespace {
+
+QRect toDevice(const QRect &rect, qreal ratio)
 {
+    return QRectF(QPointF(rect.topLeft()) * ratio, QSizeF(rect.size()) * ratio).toAlignedRect();
+}
+
+QRegion toDevice(const QRegion &region, qreal ratio)
+{
+    QRegion device;
+    for (const QRect &rect : region)
+        device |= toDevice(rect, ratio);
+    return device;
+}
+
+} // namespace
+
+SelectionOverlayWidget::SelectionOverlayWidget(DirectWindowPainter *painter)
+    : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint
+                           | Qt::X11BypassWindowManagerHint | Qt::NoDropShadowWindowHint),
+      m_painter(painter)
+{
+    if (m_painter)
+        setAttribute(Qt::WA_PaintOnScreen);
     // The view paints every pixel; Qt need not clear the window first.
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_NoSystemBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
+}
+
+SelectionOverlayWidget::~SelectionOverlayWidget()
+{
+    if (m_watchesLosses)
+        m_painter->watchLosses(*windowHandle(), {});
 }
 
 void SelectionOverlayWidget::setView(SelectionView *view)
@@ -33,13 +65,17 @@ void SelectionOverlayWidget::setView(SelectionView *view)
 void SelectionOverlayWidget::setNeedsDisplay()
 {
     m_needsDisplay = true;
+    m_stale = rect();
     update();
 }
 
 void SelectionOverlayWidget::setNeedsDisplayInRect(const QRectF &viewRect)
 {
-    update(QRectF(viewRect.x(), height() - viewRect.y() - viewRect.height(), viewRect.width(), viewRect.height())
-               .toAlignedRect());
+    const QRect changed = QRectF(viewRect.x(), height() - viewRect.y() - viewRect.height(), viewRect.width(),
+                                 viewRect.height())
+                              .toAlignedRect();
+    m_stale |= changed;
+    update(changed);
 }
 
 void SelectionOverlayWidget::displayIfNeeded()
@@ -53,6 +89,8 @@ void SelectionOverlayWidget::prepareHidden()
     if (isVisible())
         return;
     winId();
+    if (m_painter)
+        return;
     if (QBackingStore *store = backingStore()) {
         const QRect all(QPoint(), size());
         store->resize(size());
@@ -66,10 +104,86 @@ void SelectionOverlayWidget::prepareHidden()
     }
 }
 
-void SelectionOverlayWidget::paintEvent(QPaintEvent *)
+void SelectionOverlayWidget::showEvent(QShowEvent *event)
+{
+    m_stale = rect();
+    if (m_painter && !m_watchesLosses) {
+        m_painter->watchLosses(*windowHandle(), [this](const QRegion &lost) {
+            const qreal ratio = devicePixelRatioF();
+            for (const QRect &rect : lost)
+                m_stale |= QRectF(QPointF(rect.topLeft()) / ratio, QSizeF(rect.size()) / ratio).toAlignedRect();
+            update();
+        });
+        m_watchesLosses = true;
+    }
+    QWidget::showEvent(event);
+}
+
+void SelectionOverlayWidget::resizeEvent(QResizeEvent *event)
+{
+    m_stale = rect();
+    QWidget::resizeEvent(event);
+}
+
+QPaintEngine *SelectionOverlayWidget::paintEngine() const
+{
+    // None: every paint goes through the direct painter.
+    return m_painter ? nullptr : QWidget::paintEngine();
+}
+
+void SelectionOverlayWidget::paintEvent(QPaintEvent *event)
 {
     m_needsDisplay = false;
+    if (m_painter) {
+        paintDirectly(event->region());
+        return;
+    }
     QPainter painter(this);
+    paintContent(painter);
+}
+
+void SelectionOverlayWidget::paintDirectly(const QRegion &region)
+{
+    QWindow *window = windowHandle();
+    if (!window || !window->isExposed())
+        return;
+    const QRegion stale = region & m_stale;
+    m_stale -= stale;
+    const qreal ratio = devicePixelRatioF();
+    QRegion painted = stale;
+    const QImage frame = m_view ? m_view->frozenBackgroundImage() : QImage();
+    if (frame.size() == toDevice(rect(), ratio).size() && m_painter->canDrawFrame(*window, frame)) {
+        const QRegion plain = stale - decoratedArea();
+        m_painter->drawFrame(*window, frame, toDevice(plain, ratio), selectionpainting::dimmingColor);
+        painted -= plain;
+    }
+    // After the frame, so the decorations' pixels land over whatever edge pixel both round to.
+    for (const QRect &rect : painted) {
+        const QRect device = toDevice(rect, ratio);
+        QImage pixels(device.size(), QImage::Format_RGB32);
+        pixels.setDevicePixelRatio(ratio);
+        {
+            QPainter painter(&pixels);
+            painter.translate(-QPointF(device.topLeft()) / ratio);
+            paintContent(painter);
+        }
+        m_painter->putPixels(*window, pixels, device.topLeft());
+    }
+}
+
+QRegion SelectionOverlayWidget::decoratedArea() const
+{
+    QRegion area;
+    if (!m_view)
+        return area;
+    for (const Rect &drawn : selectiondamage::changedAreas({}, m_view->decorations(), m_view->bounds())) {
+        area |= QRectF(drawn.minX(), height() - drawn.maxY(), drawn.width(), drawn.height()).toAlignedRect();
+    }
+    return area;
+}
+
+void SelectionOverlayWidget::paintContent(QPainter &painter)
+{
     if (!m_view || m_view->frozenBackgroundImage().isNull()) {
         // No frozen image (its grab failed): without a compositor the window cannot show the desktop
         // through, so the dimming goes over black.

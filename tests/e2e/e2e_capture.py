@@ -43,10 +43,18 @@ if start_selection():
         if output:
             os.makedirs(output, exist_ok=True)
             shot.save(os.path.join(output, "overlay.png"))
-        # The overlay dims the frozen desktop: a quarter of black over every pixel outside the drag.
-        pixel, shown = desk.getpixel((1500, 900)), shot.getpixel((1500, 900))
-        check(all(abs(s - round(p * 0.75)) <= 1 for p, s in zip(pixel, shown)),
-              f"the overlay does not dim the desktop: {pixel} shown as {shown}")
+        # The overlay dims the frozen desktop: a quarter of black over every pixel away from the drag's
+        # box, label and crosshair; inside the box a quarter of the selection's blue goes over that.
+        def expected(point):
+            dimmed = [p * 0.75 for p in desk.getpixel(point)]
+            inside = 610 <= point[0] <= 1090 and 310 <= point[1] <= 640
+            return [d * 0.75 + f * 0.25 for d, f in zip(dimmed, (0, 122, 255))] if inside else dimmed
+        grid = [(x, y) for x in range(7, 1920, 61) for y in range(5, 1080, 53)
+                if abs(x - 1100) > 6 and abs(y - 650) > 6
+                and not (560 <= x <= 1140 and 260 <= y <= 720 and not (610 <= x <= 1090 and 310 <= y <= 640))]
+        wrong = [(point, shot.getpixel(point)) for point in grid
+                 if any(abs(s - e) > 2 for s, e in zip(shot.getpixel(point), expected(point)))]
+        check(not wrong, f"the overlay shows {len(wrong)} of {len(grid)} points wrong, first {wrong[:3]}")
 
     drag((600, 300), (1100, 650), during=while_dragging)
     path = wait_for_save(before)

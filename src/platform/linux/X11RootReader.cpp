@@ -14,6 +14,7 @@ X11RootReader::X11RootReader(xcb_connection_t *connection, Transfer transfer)
     const xcb_screen_t *screen = xcb_setup_roots_iterator(setup).data;
     m_root = screen->root;
     m_rootSize = QSize(screen->width_in_pixels, screen->height_in_pixels);
+    m_depth = screen->root_depth;
     int bitsPerPixel = 0;
     for (auto it = xcb_setup_pixmap_formats_iterator(setup); it.rem; xcb_format_next(&it)) {
         if (it.data->depth == screen->root_depth)
@@ -48,6 +49,13 @@ X11RootReader::Read X11RootReader::read(const QRect &requested, bool mayKeepSegm
     if (pixels.isNull())
         return {{}, u"the X server refused to read the screen"_s};
     return {std::move(pixels), std::nullopt};
+}
+
+xcb_pixmap_t X11RootReader::pixmapOver(const QImage &image)
+{
+    if (m_formatProblem || image.isNull() || image.bytesPerLine() != qsizetype(image.width()) * 4)
+        return 0;
+    return m_segments.pixmapOver(image.constBits(), image.size(), m_root, m_depth);
 }
 
 ScreenPixels X11RootReader::getImage(const QRect &native) const

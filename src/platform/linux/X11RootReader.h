@@ -3,6 +3,7 @@
 #include "ScreenPixels.h"
 #include "X11ShmSegments.h"
 
+#include <QImage>
 #include <QRect>
 #include <QSize>
 #include <QString>
@@ -42,6 +43,12 @@ public:
     Read read(const QRect &native, bool mayKeepSegment);
     // Keeps at most `count` unused segments.
     void trim(size_t count) { m_segments.trim(count); }
+    // Whether the server can read images handed out in a segment itself (pixmapOver()).
+    bool serverReadsSegments() { return usesSharedMemory() && !m_formatProblem && m_segments.sharesPixmaps(); }
+    // A pixmap of the server's over `image`, when its pixels are still those a shared segment got from
+    // the root; 0 otherwise. It has the root's depth.
+    xcb_pixmap_t pixmapOver(const QImage &image);
+    quint8 depth() const { return m_depth; }
 
 private:
     ScreenPixels getImage(const QRect &native) const;
@@ -49,6 +56,7 @@ private:
     xcb_connection_t *m_connection;
     xcb_window_t m_root = 0;
     QSize m_rootSize;
+    quint8 m_depth = 0;
     std::optional<QString> m_formatProblem;
     bool m_useSharedMemory = true;
     X11ShmSegments m_segments;

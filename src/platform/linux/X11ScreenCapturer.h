@@ -40,6 +40,12 @@ public:
     // and mapped on both sides before the first one.
     void prepare();
     bool usesSharedMemory() const { return m_reader.usesSharedMemory(); }
+    // Whether the server can draw the display images this capturer hands out without their coming back.
+    bool serverDrawsFrames() { return m_reader.serverReadsSegments(); }
+    // The server's own pixmap over a display image this capturer handed out still in its segment;
+    // 0 for any other image.
+    xcb_pixmap_t serverPixmapOf(const QImage &image) { return m_reader.pixmapOver(image); }
+    quint8 rootDepth() const { return m_reader.depth(); }
 
 private:
     const X11DisplayProvider &m_displays;

@@ -13,6 +13,10 @@ struct X11ShmSegments::Segment
     size_t size = 0;
     // How much of the segment this process has mapped in already.
     size_t mappedBytes = 0;
+    // The server's pixmap over part of the segment, and what it covers.
+    xcb_pixmap_t pixmap = 0;
+    size_t pixmapOffset = 0;
+    QSize pixmapSize;
 };
 
 X11ShmSegments::X11ShmSegments(xcb_connection_t *connection) : m_connection(connection)
@@ -96,11 +100,57 @@ ScreenPixels X11ShmSegments::grab(xcb_drawable_t drawable, const QRect &rect)
     return {segment, static_cast<const uchar *>(segment->address), rect.width(), rect.height(), qsizetype(stride)};
 }
 
+bool X11ShmSegments::sharesPixmaps()
+{
+    if (!m_isAvailable)
+        return false;
+    if (!m_sharesPixmaps) {
+        xcb_shm_query_version_reply_t *version =
+            xcb_shm_query_version_reply(m_connection, xcb_shm_query_version(m_connection), nullptr);
+        m_sharesPixmaps = version && version->shared_pixmaps && version->pixmap_format == XCB_IMAGE_FORMAT_Z_PIXMAP;
+        std::free(version);
+    }
+    return *m_sharesPixmaps;
+}
+
+xcb_pixmap_t X11ShmSegments::pixmapOver(const uchar *data, QSize size, xcb_drawable_t root, quint8 depth)
+{
+    if (size.isEmpty() || !sharesPixmaps())
+        return 0;
+    const size_t bytes = size_t(size.width()) * 4 * size_t(size.height());
+    for (const std::shared_ptr<Segment> &segment : m_segments) {
+        const auto *start = static_cast<const uchar *>(segment->address);
+        if (data < start || data + bytes > start + segment->size)
+            continue;
+        const size_t offset = size_t(data - start);
+        if (segment->pixmap && (segment->pixmapOffset != offset || segment->pixmapSize != size))
+            freePixmap(m_connection, *segment);
+        if (!segment->pixmap) {
+            segment->pixmap = xcb_generate_id(m_connection);
+            xcb_shm_create_pixmap(m_connection, segment->pixmap, root, quint16(size.width()), quint16(size.height()),
+                                  depth, segment->id, quint32(offset));
+            segment->pixmapOffset = offset;
+            segment->pixmapSize = size;
+        }
+        return segment->pixmap;
+    }
+    return 0;
+}
+
+void X11ShmSegments::freePixmap(xcb_connection_t *connection, Segment &segment)
+{
+    if (!segment.pixmap)
+        return;
+    xcb_free_pixmap(connection, segment.pixmap);
+    segment.pixmap = 0;
+}
+
 void X11ShmSegments::trim(size_t count)
 {
     size_t unused = 0;
     for (auto it = m_segments.begin(); it != m_segments.end();) {
         if ((*it).use_count() == 1 && ++unused > count) {
+            freePixmap(m_connection, **it);
             xcb_shm_detach(m_connection, (*it)->id);
             shmdt((*it)->address);
             it = m_segments.erase(it);

@@ -3,6 +3,7 @@
 #include "ScreenPixels.h"
 
 #include <QRect>
+#include <QSize>
 
 #include <memory>
 #include <optional>
@@ -33,12 +34,23 @@ public:
     // Keeps at most `count` unused segments, dropping the others.
     void trim(size_t count);
 
+    // Whether the server makes pixmaps over our segments (MIT-SHM shared pixmaps); asked once.
+    bool sharesPixmaps();
+    // A pixmap of the server's that reads the `size` pixels at `data` (rows without padding) straight
+    // from one of our segments, so the server can draw pixels it handed us without their coming back.
+    // Kept with the segment; 0 when `data` lies in none of them or the server shares no pixmaps.
+    xcb_pixmap_t pixmapOver(const uchar *data, QSize size, xcb_drawable_t root, quint8 depth);
+
 private:
     struct Segment;
     std::shared_ptr<Segment> acquire(size_t bytes);
     std::shared_ptr<Segment> create(size_t bytes);
 
+    static void freePixmap(xcb_connection_t *connection, Segment &segment);
+
     xcb_connection_t *m_connection;
     bool m_isAvailable = false;
+    // Asked of the server at the first pixmap wanted.
+    std::optional<bool> m_sharesPixmaps;
     std::vector<std::shared_ptr<Segment>> m_segments;
 };
