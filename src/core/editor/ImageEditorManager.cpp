@@ -185,9 +185,14 @@ void ImageEditorManager::forgetPrimaryEditor()
 {
     std::shared_ptr<EditorWindow> window = std::exchange(m_editorWindow, nullptr);
     // The document it showed goes too (a 4K picture is 32 MiB, more with its undo history); one
-    // prepared since for a click on a later notification stays.
+    // prepared since for a click on a later notification stays. A later click opens the picture
+    // again from the file it was saved to.
     const std::shared_ptr<ImageEditorView> shown = std::exchange(m_primaryView, {}).lock();
     if (m_model && shown && &shown->model() == m_model.get()) {
+        if (m_sourceFileURL) {
+            const QImage &image = m_model->image();
+            m_savedCapture = SavedCapture{*m_sourceFileURL, image.devicePixelRatio(), image.colorSpace()};
+        }
         m_model.reset();
         m_sourceFileURL.reset();
     }
