@@ -7,7 +7,7 @@ class FakeEditorWindow : public EditorWindow
 {
 public:
     explicit FakeEditorWindow(const Configuration &configuration)
-        : configuration(configuration), contentSize(configuration.contentSize), minimumSize(configuration.minimumSize)
+        : contentSize(configuration.contentSize), minimumSize(configuration.minimumSize)
     {
     }
 
@@ -37,7 +37,6 @@ public:
         return view ? *view : nullptr;
     }
 
-    Configuration configuration;
     EditorRootView content;
     QSizeF contentSize;
     QSizeF minimumSize;
