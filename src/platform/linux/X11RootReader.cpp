@@ -51,11 +51,11 @@ X11RootReader::Read X11RootReader::read(const QRect &requested, bool mayKeepSegm
     return {std::move(pixels), std::nullopt};
 }
 
-xcb_pixmap_t X11RootReader::pixmapOver(const QImage &image)
+xcb_pixmap_t X11RootReader::pixmapOver(const uchar *data, QSize size, qsizetype bytesPerLine)
 {
-    if (m_formatProblem || image.isNull() || image.bytesPerLine() != qsizetype(image.width()) * 4)
+    if (m_formatProblem || !data || bytesPerLine != qsizetype(size.width()) * 4)
         return 0;
-    return m_segments.pixmapOver(image.constBits(), image.size(), m_root, m_depth);
+    return m_segments.pixmapOver(data, size, m_root, m_depth);
 }
 
 ScreenPixels X11RootReader::getImage(const QRect &native) const

@@ -3,7 +3,6 @@
 #include "ScreenPixels.h"
 #include "X11ShmSegments.h"
 
-#include <QImage>
 #include <QRect>
 #include <QSize>
 #include <QString>
@@ -45,9 +44,9 @@ public:
     void trim(size_t count) { m_segments.trim(count); }
     // Whether the server can read images handed out in a segment itself (pixmapOver()).
     bool serverReadsSegments() { return usesSharedMemory() && !m_formatProblem && m_segments.sharesPixmaps(); }
-    // A pixmap of the server's over `image`, when its pixels are still those a shared segment got from
-    // the root; 0 otherwise. It has the root's depth.
-    xcb_pixmap_t pixmapOver(const QImage &image);
+    // A pixmap of the server's over the `size` pixels at `data`, when they are still those a shared
+    // segment got from the root; 0 otherwise. It has the root's depth.
+    xcb_pixmap_t pixmapOver(const uchar *data, QSize size, qsizetype bytesPerLine);
     quint8 depth() const { return m_depth; }
 
 private:

@@ -44,7 +44,10 @@ public:
     bool serverDrawsFrames() { return m_reader.serverReadsSegments(); }
     // The server's own pixmap over a display image this capturer handed out still in its segment;
     // 0 for any other image.
-    xcb_pixmap_t serverPixmapOf(const QImage &image) { return m_reader.pixmapOver(image); }
+    xcb_pixmap_t serverPixmapOf(const QImage &image)
+    {
+        return m_reader.pixmapOver(image.constBits(), image.size(), image.bytesPerLine());
+    }
     quint8 rootDepth() const { return m_reader.depth(); }
 
 private:
