@@ -1,3 +1,4 @@
+#include "PixelDifference.h"
 #include "TestPrinters.h"
 #include "helpers/EditorViewFixture.h"
 
@@ -24,19 +25,6 @@ QImage paintedCanvas(const ImageEditorView &view, double ratio = 1)
     QPainter painter(&canvas);
     view.paintCanvas(painter);
     return canvas;
-}
-
-int largestChannelDifference(const QImage &a, const QImage &b)
-{
-    int largest = 0;
-    for (int y = 0; y < a.height(); ++y)
-        for (int x = 0; x < a.width(); ++x) {
-            const QRgb p = a.pixel(x, y);
-            const QRgb q = b.pixel(x, y);
-            largest = std::max({largest, std::abs(qRed(p) - qRed(q)), std::abs(qGreen(p) - qGreen(q)),
-                                std::abs(qBlue(p) - qBlue(q))});
-        }
-    return largest;
 }
 
 } // namespace
@@ -213,7 +201,7 @@ void CanvasDrawingTest::canvasShowsWhatIsSaved()
     const QImage saved = f.model->renderEditedImage().convertToFormat(QImage::Format_RGB32);
     QCOMPARE(saved.size(), EditorViewFixture::pattern().size());
     QCOMPARE(shown.size(), saved.size());
-    QVERIFY2(largestChannelDifference(shown, saved) <= 2, "the canvas differs from the saved picture");
+    QVERIFY2(testsupport::largestChannelDifference(shown, saved) <= 2, "the canvas differs from the saved picture");
     QCOMPARE(canvas.pixelColor(5, 5), ImageEditorView::canvasBackground);
 }
 

@@ -1,6 +1,7 @@
 // The overlay's direct painter on a private Xvfb: the server lays a frozen display into a window with the
 // same pixels the backing-store path paints, pixels put in land exactly, only images still in a shared
 // segment are drawn by the server, and only losses after a drawing are reported.
+#include "PixelDifference.h"
 #include "TestMain.h"
 #include "X11DirectWindowPainter.h"
 #include "X11DisplayProvider.h"
@@ -40,19 +41,6 @@ protected:
         QPainter(this).drawImage(0, 0, pattern);
     }
 };
-
-int largestChannelDifference(const QImage &a, const QImage &b)
-{
-    int largest = 0;
-    for (int y = 0; y < a.height(); ++y) {
-        for (int x = 0; x < a.width(); ++x) {
-            const QRgb p = a.pixel(x, y), q = b.pixel(x, y);
-            largest = std::max({largest, std::abs(qRed(p) - qRed(q)), std::abs(qGreen(p) - qGreen(q)),
-                                std::abs(qBlue(p) - qBlue(q))});
-        }
-    }
-    return largest;
-}
 
 } // namespace
 
@@ -135,7 +123,7 @@ void X11DirectWindowPainterTest::drawsWhatTheBackingStorePathPaints()
     const QImage shown = screen();
     QCOMPARE(shown.copy(300, 200, 150, 120), decoration);
     for (const QRect &rect : dimmed)
-        QVERIFY2(largestChannelDifference(shown.copy(rect), painted.copy(rect)) <= 1, "dimmed as Qt dims");
+        QVERIFY2(testsupport::largestChannelDifference(shown.copy(rect), painted.copy(rect)) <= 1, "dimmed as Qt dims");
 }
 
 void X11DirectWindowPainterTest::reportsOnlyLossesAfterDrawing()

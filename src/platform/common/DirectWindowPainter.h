@@ -30,6 +30,7 @@ public:
     // pixels).
     virtual void putPixels(QWindow &window, const QImage &pixels, const QPoint &at) = 0;
     // What is drawn stays until the window system loses it (another window drew over it): then `lost`
-    // gets that part of the window, in device pixels, to be drawn again. An empty function stops it.
+    // gets that part of the window, in device pixels, to be drawn again. An empty function stops it
+    // and forgets the window, which is about to go.
     virtual void watchLosses(QWindow &window, std::function<void(const QRegion &lost)> lost) = 0;
 };

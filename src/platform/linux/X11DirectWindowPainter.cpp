@@ -9,8 +9,8 @@
 #include <QWindow>
 
 #include <algorithm>
-#include <optional>
 #include <cstdlib>
+#include <optional>
 #include <vector>
 
 namespace {
@@ -145,9 +145,10 @@ void X11DirectWindowPainter::putPixels(QWindow &window, const QImage &pixels, co
     std::optional<quint32> first;
     for (int top = 0; top < rows.height(); top += band) {
         const int height = std::min(band, rows.height() - top);
-        const xcb_void_cookie_t put = xcb_put_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, id, into.gc, quint16(rows.width()), quint16(height),
-                      qint16(at.x()), qint16(at.y() + top), 0, into.depth, quint32(stride * size_t(height)),
-                      rows.constScanLine(top));
+        const xcb_void_cookie_t put =
+            xcb_put_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, id, into.gc, quint16(rows.width()),
+                          quint16(height), qint16(at.x()), qint16(at.y() + top), 0, into.depth,
+                          quint32(stride * size_t(height)), rows.constScanLine(top));
         first = first.value_or(put.sequence);
     }
     xcb_flush(m_connection);
@@ -197,8 +198,11 @@ void X11DirectWindowPainter::watchLosses(QWindow &window, std::function<void(con
     const auto id = xcb_window_t(window.winId());
     if (lost) {
         m_watchers.insert(id, std::move(lost));
-    } else {
-        m_watchers.remove(id);
-        m_drawings.remove(id);
+        return;
     }
+    // The window is going: what is kept for it goes too.
+    m_watchers.remove(id);
+    m_drawings.remove(id);
+    if (const Target gone = m_targets.take(id); gone.gc)
+        xcb_free_gc(m_connection, gone.gc);
 }

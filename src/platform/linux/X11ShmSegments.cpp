@@ -124,7 +124,7 @@ xcb_pixmap_t X11ShmSegments::pixmapOver(const uchar *data, QSize size, xcb_drawa
             continue;
         const size_t offset = size_t(data - start);
         if (segment->pixmap && (segment->pixmapOffset != offset || segment->pixmapSize != size))
-            freePixmap(m_connection, *segment);
+            freePixmap(*segment);
         if (!segment->pixmap) {
             segment->pixmap = xcb_generate_id(m_connection);
             xcb_shm_create_pixmap(m_connection, segment->pixmap, root, quint16(size.width()), quint16(size.height()),
@@ -137,11 +137,11 @@ xcb_pixmap_t X11ShmSegments::pixmapOver(const uchar *data, QSize size, xcb_drawa
     return 0;
 }
 
-void X11ShmSegments::freePixmap(xcb_connection_t *connection, Segment &segment)
+void X11ShmSegments::freePixmap(Segment &segment)
 {
     if (!segment.pixmap)
         return;
-    xcb_free_pixmap(connection, segment.pixmap);
+    xcb_free_pixmap(m_connection, segment.pixmap);
     segment.pixmap = 0;
 }
 
@@ -150,7 +150,7 @@ void X11ShmSegments::trim(size_t count)
     size_t unused = 0;
     for (auto it = m_segments.begin(); it != m_segments.end();) {
         if ((*it).use_count() == 1 && ++unused > count) {
-            freePixmap(m_connection, **it);
+            freePixmap(**it);
             xcb_shm_detach(m_connection, (*it)->id);
             shmdt((*it)->address);
             it = m_segments.erase(it);

@@ -46,7 +46,7 @@ private:
     std::shared_ptr<Segment> acquire(size_t bytes);
     std::shared_ptr<Segment> create(size_t bytes);
 
-    static void freePixmap(xcb_connection_t *connection, Segment &segment);
+    void freePixmap(Segment &segment);
 
     xcb_connection_t *m_connection;
     bool m_isAvailable = false;
