@@ -64,8 +64,12 @@ void X11ScreenCapturer::prepare()
     // All held at once, as a freeze holds them, so each display gets a segment of its own.
     const DesktopSpace space = DesktopSpace::current();
     std::vector<X11RootReader::Read> reads;
-    for (const DesktopScreen &screen : space.screens())
+    for (const DesktopScreen &screen : space.screens()) {
         reads.push_back(m_reader.read(screen.native, true));
+        // And the server's pixmap over each, which the overlay is drawn from.
+        const ScreenPixels &pixels = reads.back().pixels;
+        m_reader.pixmapOver(pixels.data, QSize(pixels.width, pixels.height), pixels.bytesPerLine);
+    }
 }
 
 X11ScreenCapturer::Grab X11ScreenCapturer::grabRoot(const QRect &requested, bool keepShared)

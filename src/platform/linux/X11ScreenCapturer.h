@@ -36,8 +36,8 @@ public:
     };
     // `keepShared`: the image may keep reading the shared segment instead of owning its pixels.
     Grab grabRoot(const QRect &native, bool keepShared);
-    // Reads every display once and lets the pixels go: the shared segments a freeze needs are then made
-    // and mapped on both sides before the first one.
+    // Reads every display once and lets the pixels go: the shared segments a freeze needs, and the
+    // server's pixmaps over them, are then made and mapped on both sides before the first one.
     void prepare();
     bool usesSharedMemory() const { return m_reader.usesSharedMemory(); }
     // Whether the server can draw the display images this capturer hands out without their coming back.

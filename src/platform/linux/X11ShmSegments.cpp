@@ -126,9 +126,17 @@ xcb_pixmap_t X11ShmSegments::pixmapOver(const uchar *data, QSize size, xcb_drawa
         if (segment->pixmap && (segment->pixmapOffset != offset || segment->pixmapSize != size))
             freePixmap(*segment);
         if (!segment->pixmap) {
-            segment->pixmap = xcb_generate_id(m_connection);
-            xcb_shm_create_pixmap(m_connection, segment->pixmap, root, quint16(size.width()), quint16(size.height()),
-                                  depth, segment->id, quint32(offset));
+            const xcb_pixmap_t pixmap = xcb_generate_id(m_connection);
+            // Checked, once per segment and size: a server that refuses is not asked again.
+            if (xcb_generic_error_t *error = xcb_request_check(
+                    m_connection, xcb_shm_create_pixmap_checked(m_connection, pixmap, root, quint16(size.width()),
+                                                                quint16(size.height()), depth, segment->id,
+                                                                quint32(offset)))) {
+                std::free(error);
+                m_sharesPixmaps = false;
+                return 0;
+            }
+            segment->pixmap = pixmap;
             segment->pixmapOffset = offset;
             segment->pixmapSize = size;
         }
