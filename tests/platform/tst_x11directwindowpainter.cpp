@@ -1,6 +1,7 @@
 // The overlay's direct painter on a private Xvfb: the server lays a frozen display into a window with the
-// same pixels the backing-store path paints, pixels put in land exactly, only images still in a shared
-// segment are drawn by the server, and only losses after a drawing are reported.
+// same pixels the backing-store path paints, pixels put in land exactly (also those too many for one
+// request), only images still in a shared segment are drawn by the server, and only losses after a
+// drawing are reported.
 #include "PixelDifference.h"
 #include "TestMain.h"
 #include "X11DirectWindowPainter.h"
@@ -10,6 +11,8 @@
 #include <QGuiApplication>
 #include <QPainter>
 #include <QRasterWindow>
+
+#include <algorithm>
 
 namespace {
 
@@ -52,6 +55,7 @@ private slots:
     void initTestCase();
     void drawsOnlyFramesStillInASegment();
     void drawsWhatTheBackingStorePathPaints();
+    void putsPicturesTallerThanOneRequest();
     void reportsOnlyLossesAfterDrawing();
 
 private:
@@ -124,6 +128,23 @@ void X11DirectWindowPainterTest::drawsWhatTheBackingStorePathPaints()
     QCOMPARE(shown.copy(300, 200, 150, 120), decoration);
     for (const QRect &rect : dimmed)
         QVERIFY2(testsupport::largestChannelDifference(shown.copy(rect), painted.copy(rect)) <= 1, "dimmed as Qt dims");
+}
+
+void X11DirectWindowPainterTest::putsPicturesTallerThanOneRequest()
+{
+    auto window = bareWindow(m_screen);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    // More bytes than any X request may carry (16 MiB with BIG-REQUESTS), every row its own colour; put
+    // so that the screen shows its last rows, where one request's rows end and the next one's begin.
+    QImage tall(m_screen.width(), 3500, QImage::Format_RGB32);
+    for (int y = 0; y < tall.height(); ++y) {
+        auto *row = reinterpret_cast<QRgb *>(tall.scanLine(y));
+        std::fill_n(row, tall.width(), qRgb(y & 0xff, (y >> 8) & 0xff, 77));
+    }
+    const int hidden = tall.height() - m_screen.height();
+    m_painter->putPixels(*window, tall, QPoint(0, -hidden));
+    QCOMPARE(screen(), tall.copy(0, hidden, m_screen.width(), m_screen.height()));
 }
 
 void X11DirectWindowPainterTest::reportsOnlyLossesAfterDrawing()
