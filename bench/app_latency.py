@@ -14,18 +14,15 @@ mapped the overlay and changed the pixels and every mouse-up gave a PNG.
 
 usage: app_latency.py VISTREL LATENCY_PROBE CACHE_FOLDER [--rounds N] [--configurations ...] [--smoke]
                       [--json FILE]"""
-import argparse
 import json
 import os
-import shutil
 import statistics
 import subprocess
 import sys
 import time
 
-from benchsession import Session, load_average, publish, wait_until
+from benchsession import Session, application_arguments, finish, load_average, require_tools, wait_until
 
-HERE = os.path.dirname(os.path.abspath(__file__))
 MEMORY_FIELDS = ("VmRSS", "RssAnon", "RssFile", "RssShmem")
 GL_LIBRARIES = ("libGLX_mesa", "_dri.so", "libgallium", "libLLVM", "libEGL_mesa")
 
@@ -278,33 +275,20 @@ def complete(report):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("vistrel")
-    parser.add_argument("probe")
-    parser.add_argument("cache")
-    parser.add_argument("--rounds", type=int, default=11)
+    parser = application_arguments(rounds=11)
     parser.add_argument("--configurations", default="3840x2160x1,3840x2160x2,1920x1080x1,1920x1080x2")
-    parser.add_argument("--smoke", action="store_true")
-    parser.add_argument("--json")
     arguments = parser.parse_args()
     saves = max(3, arguments.rounds // 2)
     if arguments.smoke:
         arguments.rounds, saves, arguments.configurations = 2, 2, "1920x1080x1"
     # The desk is put on the root with ImageMagick's display: on a black root the dimming changes nothing.
-    needed = ["openbox", "trayer", "xdotool", "xprop", "display", "Xvfb"] + \
-        ([] if arguments.smoke else ["flameshot", "spectacle"])
-    missing = [tool for tool in needed if not shutil.which(tool)]
-    if missing:
-        print(f"app_latency.py: missing {', '.join(missing)} (scripts/setup.sh bench installs them)", file=sys.stderr)
-        sys.exit(77)
+    require_tools("app_latency.py", ["openbox", "trayer", "xdotool", "xprop", "display", "Xvfb"]
+                  + ([] if arguments.smoke else ["flameshot", "spectacle"]))
     report = {}
     for configuration in arguments.configurations.split(","):
         width, height, monitors = (int(v) for v in configuration.split("x"))
         key = f"{width}x{height}, {monitors} display{'s' if monitors > 1 else ''}"
         session = Session(width, height, arguments.cache, monitors=monitors, desktop=True)
-        quiet = subprocess.Popen(["/usr/bin/python3", os.path.join(HERE, "quiet_notifications.py")], env=session.env,
-                                 stdout=subprocess.PIPE, text=True)
-        quiet.stdout.readline()
         try:
             report[key] = latency(session, arguments.vistrel, arguments.probe, arguments.rounds, saves,
                                   not arguments.smoke)
@@ -315,14 +299,8 @@ def main():
                     report[key] = footprint(session, arguments.vistrel, arguments.probe, size, with_peers)
                     print(json.dumps(report[key]), file=sys.stderr)
         finally:
-            quiet.terminate()
-            quiet.wait()
             session.close()
-    publish(report, arguments.json)
-    problems = complete(report) if arguments.smoke else []
-    for problem in problems:
-        print(f"app_latency.py: {problem}", file=sys.stderr)
-    sys.exit(1 if problems else 0)
+    finish("app_latency.py", report, arguments.json, complete(report) if arguments.smoke else [])
 
 
 if __name__ == "__main__":

@@ -3,6 +3,7 @@ desk image (mkdesk.py) on the root window, a private D-Bus session bus, optional
 XEmbed tray, private HOME and XDG folders. Everything it starts, and everything those start (D-Bus
 activated services), is stopped when the session ends: the process is made a subreaper so orphans
 come back to it."""
+import argparse
 import ctypes
 import json
 import os
@@ -10,6 +11,7 @@ import platform
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 
@@ -40,6 +42,34 @@ def publish(report, json_path=None):
         with open(json_path, "w") as out:
             out.write(text)
     print(text)
+
+
+def application_arguments(rounds):
+    """The arguments every benchmark of the running application takes; the caller adds its own."""
+    parser = argparse.ArgumentParser()
+    parser.add_argument("vistrel")
+    parser.add_argument("probe")
+    parser.add_argument("cache")
+    parser.add_argument("--rounds", type=int, default=rounds)
+    parser.add_argument("--smoke", action="store_true")
+    parser.add_argument("--json")
+    return parser
+
+
+def require_tools(script, tools):
+    """Exits as skipped (77) when any of the tools is missing."""
+    missing = [tool for tool in tools if not shutil.which(tool)]
+    if missing:
+        print(f"{script}: missing {', '.join(missing)} (scripts/setup.sh bench installs them)", file=sys.stderr)
+        sys.exit(77)
+
+
+def finish(script, report, json_path, problems):
+    """Publishes the report and exits, failing when a smoke run found problems."""
+    publish(report, json_path)
+    for problem in problems:
+        print(f"{script}: {problem}", file=sys.stderr)
+    sys.exit(1 if problems else 0)
 
 
 def machine_description():
@@ -85,7 +115,8 @@ def differs(expected, path):
 
 class Session:
     def __init__(self, width, height, cache, monitors=1, desktop=False):
-        """`monitors` side by side, each width x height; `desktop` adds openbox and a tray."""
+        """`monitors` side by side, each width x height; `desktop` adds openbox, a tray and a notification
+        server that shows nothing (quiet_notifications.py)."""
         libc = ctypes.CDLL(None, use_errno=True)
         libc.prctl(PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
         self.processes = []
@@ -112,6 +143,9 @@ class Session:
                              f"{width}/600x{height}/340+{index * width}+0", "none")
             if desktop:
                 self._start_desktop()
+                quiet = self._start(["/usr/bin/python3", os.path.join(HERE, "quiet_notifications.py")],
+                                    stdout=subprocess.PIPE, text=True)
+                quiet.stdout.readline()
             self.show_background()
         except Exception:
             self.close()

@@ -19,19 +19,15 @@ Vistrel's anonymous memory came back to within 10 MiB of idle (the picture alone
 
 usage: editor_bench.py VISTREL LATENCY_PROBE CACHE_FOLDER [--rounds N] [--motions N] [--sizes WxH,...]
                        [--smoke] [--json FILE]"""
-import argparse
 import os
-import shutil
-import subprocess
 import sys
 import time
 
 from PIL import Image, ImageDraw
 
-from benchsession import Session, desk_image, differs, load_average, publish
+from benchsession import Session, application_arguments, desk_image, differs, finish, load_average, require_tools
 from editor_apps import Ksnip, Vistrel, fresh_copy, process_cpu_ms, status_memory
 
-HERE = os.path.dirname(os.path.abspath(__file__))
 TOOLS = ("rectangle", "freehand")
 
 
@@ -205,44 +201,26 @@ def complete(report):
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("vistrel")
-    parser.add_argument("probe")
-    parser.add_argument("cache")
-    parser.add_argument("--rounds", type=int, default=9)
+    parser = application_arguments(rounds=9)
     parser.add_argument("--motions", type=int, default=100)
     parser.add_argument("--sizes", default="1920x1080,3840x2160")
-    parser.add_argument("--smoke", action="store_true")
-    parser.add_argument("--json")
     arguments = parser.parse_args()
     if arguments.smoke:
         arguments.rounds, arguments.motions, arguments.sizes = 1, 8, "1920x1080"
-    needed = ["Xvfb", "openbox", "trayer", "xdotool", "xwininfo", "xprop"] + ([] if arguments.smoke else ["ksnip"])
-    missing = [tool for tool in needed if not shutil.which(tool)]
-    if missing:
-        print(f"editor_bench.py: missing {', '.join(missing)} (scripts/setup.sh bench installs them)", file=sys.stderr)
-        sys.exit(77)
+    require_tools("editor_bench.py", ["Xvfb", "openbox", "trayer", "xdotool", "xwininfo", "xprop"]
+                  + ([] if arguments.smoke else ["ksnip"]))
     source = picture(arguments.cache)
     report = {}
     for size in arguments.sizes.split(","):
         width, height = (int(v) for v in size.split("x"))
         session = Session(width, height, arguments.cache, desktop=True)
-        quiet = subprocess.Popen(["/usr/bin/python3", os.path.join(HERE, "quiet_notifications.py")], env=session.env,
-                                 stdout=subprocess.PIPE, text=True)
-        quiet.stdout.readline()
         try:
             report[size] = measure_size(session, arguments.vistrel, arguments.probe, source, arguments.rounds,
                                         arguments.motions, not arguments.smoke)
         finally:
-            quiet.terminate()
-            quiet.wait()
             session.close()
         print(size, "done", file=sys.stderr)
-    publish(report, arguments.json)
-    problems = complete(report)
-    for problem in problems:
-        print(f"editor_bench.py: {problem}", file=sys.stderr)
-    sys.exit(1 if problems else 0)
+    finish("editor_bench.py", report, arguments.json, complete(report))
 
 
 if __name__ == "__main__":

@@ -16,12 +16,8 @@ while [ $# -gt 0 ]; do
   esac
 done
 
-bash scripts/setup.sh bench
-
-build=${VISTREL_BENCH_DIR:-build/bench}
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG" \
-      -DVISTREL_BUILD_TESTS=OFF >/dev/null
-cmake --build "$build" --target vistrel latency_probe >&2
+source scripts/bench-build.sh
+bench_build bench vistrel latency_probe
 
 results="$build/editor-results"
 mkdir -p "$results"

@@ -6,12 +6,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-bash scripts/setup.sh test
-
-build=${VISTREL_BENCH_DIR:-build/bench}
-cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_FLAGS_RELEASE="-O2 -DNDEBUG" \
-      -DVISTREL_BUILD_TESTS=OFF >/dev/null
-cmake --build "$build" --target bench_flatten bench_png bench_undo_memory
+source scripts/bench-build.sh
+bench_build test bench_flatten bench_png bench_undo_memory
 
 filter=${1:-.}
 for bench in bench_flatten bench_png bench_undo_memory; do
